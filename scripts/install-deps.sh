@@ -1,0 +1,41 @@
+#!/usr/bin/env bash
+# Installs every Debian package that the build, the tests and the Windows
+# cross build need. Idempotent: packages already present are skipped, and
+# `apt-get update` runs once, only when something has to be installed.
+set -euo pipefail
+
+packages=(
+  # toolchain and test frameworks
+  g++ cmake ninja-build pkg-config git
+  googletest libgtest-dev libgmock-dev libbenchmark-dev
+  # libraries of the portable core
+  libicu-dev libboost1.81-dev libexpat1-dev nlohmann-json3-dev libthrift-dev
+  libncurses-dev libspdlog-dev
+  # loaded at run time: libcrypto.so.3 and the ODBC installer library; the
+  # openssl tool verifies signatures in tests
+  libssl3 openssl libodbcinst2
+  # Windows cross build, Wine to run its tests, X server for dialog tests
+  g++-mingw-w64-x86-64-posix mingw-w64-tools wine wine64 xvfb xauth
+  # source packages (Expat for the cross target)
+  dpkg-dev
+  # terminal-host tests and screenshots
+  tmux imagemagick x11-apps
+)
+
+missing=()
+for p in "${packages[@]}"; do
+  if ! dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed'; then
+    missing+=("$p")
+  fi
+done
+
+if [ ${#missing[@]} -eq 0 ]; then
+  echo "install-deps: all ${#packages[@]} packages present"
+  exit 0
+fi
+
+SUDO=""
+[ "$(id -u)" -eq 0 ] || SUDO="sudo"
+echo "install-deps: installing ${missing[*]}"
+$SUDO apt-get update -qq
+DEBIAN_FRONTEND=noninteractive $SUDO apt-get install -y -qq --no-install-recommends "${missing[@]}"

@@ -1,0 +1,164 @@
+#include "driversupport/DSProductHelper.h"
+
+#include <fstream>
+#include <sstream>
+
+#include "platform/ProcessEnvironment.h"
+#include "support/ErrorException.h"
+#include "support/StringConverter.h"
+
+namespace Tarni::DriverSupport
+{
+using Support::StringConverter;
+
+std::recursive_mutex DSProductHelper::s_lock;
+ProductIdentity DSProductHelper::s_identity;
+std::optional<std::map<tarni_wstring, tarni_wstring, Support::CaseInsensitiveLess>> DSProductHelper::s_settings;
+unsigned DSProductHelper::s_generation = 0;
+std::optional<tarni_wstring> DSProductHelper::s_registryPath;
+
+namespace
+{
+std::string Trim(const std::string& in_text)
+{
+    const char* blanks = " \t\r";
+    const size_t first = in_text.find_first_not_of(blanks);
+    if (first == std::string::npos)
+    {
+        return {};
+    }
+    return in_text.substr(first, in_text.find_last_not_of(blanks) - first + 1);
+}
+}  // namespace
+
+void DSProductHelper::SetProductIdentity(const ProductIdentity& in_identity)
+{
+    std::lock_guard<std::recursive_mutex> guard(s_lock);
+    s_identity = in_identity;
+    s_registryPath.reset();
+}
+
+ProductIdentity DSProductHelper::GetProductIdentity()
+{
+    std::lock_guard<std::recursive_mutex> guard(s_lock);
+    return s_identity;
+}
+
+tarni_wstring DSProductHelper::GetDefaultProductDataFilePath()
+{
+    return Platform::ProcessEnvironment::GetExecutableDirectory() + GetProductIdentity().productDataFile;
+}
+
+void DSProductHelper::LoadProductSettings(const tarni_wstring& in_path)
+{
+    std::map<tarni_wstring, tarni_wstring, Support::CaseInsensitiveLess> settings;
+    std::ifstream file(StringConverter::ToUtf8(in_path), std::ios::binary);
+    if (file)
+    {
+        std::string line;
+        unsigned long long lineNumber = 0;
+        while (std::getline(file, line))
+        {
+            ++lineNumber;
+            const std::string trimmed = Trim(line);
+            if (trimmed.empty() || trimmed[0] == '#' || trimmed[0] == ';')
+            {
+                continue;
+            }
+            const size_t equals = trimmed.find('=');
+            if (equals == std::string::npos || Trim(trimmed.substr(0, equals)).empty() ||
+                !StringConverter::IsValidUtf8(trimmed))
+            {
+                throw Support::ErrorException(Support::DiagState::GeneralError, Support::DS_ERROR,
+                                              u"DSProductFileErr",
+                                              {in_path, StringConverter::FromNumber(lineNumber)});
+            }
+            settings[StringConverter::FromUtf8(Trim(trimmed.substr(0, equals)))] =
+                StringConverter::FromUtf8(Trim(trimmed.substr(equals + 1)));
+        }
+    }
+    std::lock_guard<std::recursive_mutex> guard(s_lock);
+    s_settings = std::move(settings);
+    s_registryPath.reset();
+    ++s_generation;
+}
+
+void DSProductHelper::EnsureLoaded()
+{
+    std::lock_guard<std::recursive_mutex> guard(s_lock);
+    if (!s_settings)
+    {
+        LoadProductSettings(GetDefaultProductDataFilePath());
+    }
+}
+
+unsigned DSProductHelper::GetSettingsGeneration()
+{
+    EnsureLoaded();
+    std::lock_guard<std::recursive_mutex> guard(s_lock);
+    return s_generation;
+}
+
+tarni_wstring DSProductHelper::GetSetting(tarni_wstring_view in_key)
+{
+    EnsureLoaded();
+    std::lock_guard<std::recursive_mutex> guard(s_lock);
+    const auto it = s_settings->find(in_key);
+    return it == s_settings->end() ? tarni_wstring() : it->second;
+}
+
+std::optional<bool> DSProductHelper::GetBoolSetting(tarni_wstring_view in_key)
+{
+    const tarni_wstring value = GetSetting(in_key);
+    if (value == u"1" || value == u"true")
+    {
+        return true;
+    }
+    if (value == u"0" || value == u"false")
+    {
+        return false;
+    }
+    return std::nullopt;
+}
+
+tarni_wstring DSProductHelper::GetVendorName()
+{
+    const tarni_wstring vendor = GetSetting(u"vendor-name");
+    return vendor.empty() ? GetProductIdentity().brand : vendor;
+}
+
+tarni_wstring DSProductHelper::GetDriverName()
+{
+    const tarni_wstring driver = GetSetting(u"driver-name");
+    return driver.empty() ? GetProductIdentity().shortDriverName : driver;
+}
+
+Platform::DriverStoreLocation DSProductHelper::GetDriverStoreLocation(const tarni_wstring& in_iniOverride)
+{
+    Platform::DriverStoreLocation location;
+    {
+        std::lock_guard<std::recursive_mutex> guard(s_lock);
+        if (!s_registryPath)
+        {
+            s_registryPath = u"SOFTWARE\\" + GetVendorName() + u"\\" + GetDriverName() + u"\\Driver";
+        }
+        location.registryPath = *s_registryPath;
+    }
+    if (!in_iniOverride.empty())
+    {
+        location.iniPath = in_iniOverride;
+    }
+    else if (auto fromEnvironment =
+                 Platform::ProcessEnvironment::GetVariable(GetProductIdentity().iniEnvironmentVariable);
+             fromEnvironment && !fromEnvironment->empty())
+    {
+        location.iniPath = *fromEnvironment;
+    }
+    else
+    {
+        location.iniPath = Platform::ProcessEnvironment::GetHomeDirectory() +
+                           Platform::ProcessEnvironment::PathSeparator() + GetProductIdentity().userIniFileName;
+    }
+    return location;
+}
+}  // namespace Tarni::DriverSupport

@@ -1,0 +1,362 @@
+#include "platform/posix/IniFileStore.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+#include <random>
+
+#include "platform/IniDocument.h"
+#include "platform/SystemError.h"
+#include "support/ErrorException.h"
+#include "support/StringConverter.h"
+
+namespace Tarni::Platform
+{
+using Support::DiagState;
+using Support::ErrorException;
+using Support::StringConverter;
+
+namespace
+{
+// A settings file larger than this is not a settings file.
+constexpr off_t MAX_FILE_SIZE = 16 * 1024 * 1024;
+
+[[noreturn]] void ThrowFileError(const char16_t* in_key, const std::string& in_path, int in_errno)
+{
+    throw ErrorException(DiagState::GeneralError, Support::DS_ERROR, in_key,
+                         {StringConverter::FromUtf8(in_path), SystemError::Text(in_errno)});
+}
+
+// Scope guard that closes a descriptor and removes a temporary file unless released.
+struct TempFile
+{
+    int fd = -1;
+    std::string path;
+    ~TempFile()
+    {
+        if (fd >= 0)
+        {
+            close(fd);
+        }
+        if (!path.empty())
+        {
+            unlink(path.c_str());
+        }
+    }
+};
+}  // namespace
+
+IniFileStore::IniFileStore(tarni_wstring in_path, tarni_wstring in_section)
+    : m_path(std::move(in_path)), m_section(std::move(in_section))
+{
+}
+
+IniFileStore::~IniFileStore()
+{
+    if (m_lockFd >= 0)
+    {
+        close(m_lockFd);  // releases the lock
+    }
+}
+
+std::string IniFileStore::TargetPath() const
+{
+    // Write through a symbolic link to the file it names, so the link stays.
+    const std::string path = StringConverter::ToUtf8(m_path);
+    char resolved[PATH_MAX];
+    if (realpath(path.c_str(), resolved) != nullptr)
+    {
+        return resolved;
+    }
+    return path;
+}
+
+std::string IniFileStore::FolderPath() const
+{
+    const std::string path = TargetPath();
+    const size_t slash = path.rfind('/');
+    if (slash == std::string::npos)
+    {
+        return ".";
+    }
+    return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+std::optional<std::string> IniFileStore::ReadFileBytes() const
+{
+    const std::string path = TargetPath();
+    const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0)
+    {
+        if (errno == ENOENT)
+        {
+            return std::nullopt;
+        }
+        ThrowFileError(u"DSIniReadErr", path, errno);
+    }
+    struct stat info {};
+    if (fstat(fd, &info) != 0 || !S_ISREG(info.st_mode) || info.st_size > MAX_FILE_SIZE)
+    {
+        const int error = S_ISDIR(info.st_mode) ? EISDIR : (info.st_size > MAX_FILE_SIZE ? EFBIG : errno);
+        close(fd);
+        ThrowFileError(u"DSIniReadErr", path, error);
+    }
+    std::string bytes;
+    char buffer[65536];
+    for (;;)
+    {
+        const ssize_t count = read(fd, buffer, sizeof(buffer));
+        if (count < 0)
+        {
+            if (errno == EINTR)
+            {
+                continue;
+            }
+            const int error = errno;
+            close(fd);
+            ThrowFileError(u"DSIniReadErr", path, error);
+        }
+        if (count == 0)
+        {
+            break;
+        }
+        bytes.append(buffer, static_cast<size_t>(count));
+        if (bytes.size() > static_cast<size_t>(MAX_FILE_SIZE))
+        {
+            close(fd);
+            ThrowFileError(u"DSIniReadErr", path, EFBIG);
+        }
+    }
+    close(fd);
+    return bytes;
+}
+
+std::vector<StoredValue> IniFileStore::ReadAll()
+{
+    const auto bytes = ReadFileBytes();
+    if (!bytes)
+    {
+        return {};
+    }
+    return IniDocument::Parse(*bytes, m_path).ReadSection(m_section);
+}
+
+void IniFileStore::CheckName(tarni_wstring_view in_name) const
+{
+    const bool bad = in_name.empty() || in_name.find_first_of(u"=\r\n") != tarni_wstring_view::npos ||
+                     in_name.front() == u'[' || in_name.front() == u';' || in_name.front() == u'#' ||
+                     in_name.front() == u' ' || in_name.front() == u'\t' || in_name.back() == u' ' ||
+                     in_name.back() == u'\t';
+    if (bad)
+    {
+        throw ErrorException(DiagState::GeneralError, Support::DS_ERROR, u"DSStoreInvalidKeyErr",
+                             {tarni_wstring(in_name), m_path});
+    }
+}
+
+void IniFileStore::WriteValue(tarni_wstring_view in_name, tarni_wstring_view in_value)
+{
+    CheckName(in_name);
+    if (in_value.find_first_of(u"\r\n") != tarni_wstring_view::npos)
+    {
+        throw ErrorException(DiagState::GeneralError, Support::DS_ERROR, u"DSStoreLineBreakErr",
+                             {tarni_wstring(in_name), m_path});
+    }
+    Change change{tarni_wstring(in_name), tarni_wstring(in_value)};
+    if (m_inUpdate)
+    {
+        m_pending.push_back(std::move(change));
+    }
+    else
+    {
+        Apply({std::move(change)});
+    }
+}
+
+void IniFileStore::DeleteValue(tarni_wstring_view in_name)
+{
+    Change change{tarni_wstring(in_name), std::nullopt};
+    if (m_inUpdate)
+    {
+        m_pending.push_back(std::move(change));
+    }
+    else
+    {
+        Apply({std::move(change)});
+    }
+}
+
+void IniFileStore::BeginUpdate()
+{
+    m_inUpdate = true;
+    m_pending.clear();
+}
+
+void IniFileStore::CommitUpdate()
+{
+    std::vector<Change> changes;
+    changes.swap(m_pending);
+    m_inUpdate = false;
+    if (!changes.empty())
+    {
+        Apply(changes);
+    }
+}
+
+void IniFileStore::AbortUpdate()
+{
+    m_pending.clear();
+    m_inUpdate = false;
+}
+
+void IniFileStore::LockForUpdate()
+{
+    if (m_lockDepth++ > 0)
+    {
+        return;
+    }
+    const std::string folder = FolderPath();
+    m_lockFd = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (m_lockFd < 0)
+    {
+        const int error = errno;
+        m_lockDepth = 0;
+        ThrowFileError(u"DSIniLockErr", folder, error);
+    }
+    while (flock(m_lockFd, LOCK_EX) != 0)
+    {
+        if (errno != EINTR)
+        {
+            const int error = errno;
+            close(m_lockFd);
+            m_lockFd = -1;
+            m_lockDepth = 0;
+            ThrowFileError(u"DSIniLockErr", folder, error);
+        }
+    }
+}
+
+void IniFileStore::UnlockAfterUpdate()
+{
+    if (m_lockDepth == 0 || --m_lockDepth > 0)
+    {
+        return;
+    }
+    close(m_lockFd);
+    m_lockFd = -1;
+}
+
+void IniFileStore::Apply(const std::vector<Change>& in_changes)
+{
+    LockForUpdate();
+    try
+    {
+        const auto bytes = ReadFileBytes();
+        IniDocument doc = bytes ? IniDocument::Parse(*bytes, m_path) : IniDocument::Parse("", m_path);
+        for (const Change& change : in_changes)
+        {
+            if (change.value)
+            {
+                doc.SetValue(m_section, change.name, *change.value);
+            }
+            else
+            {
+                doc.DeleteValue(m_section, change.name);
+            }
+        }
+        std::string updated = doc.Serialize();
+        if (!bytes || updated != *bytes)
+        {
+            ReplaceFile(updated);
+        }
+    }
+    catch (...)
+    {
+        UnlockAfterUpdate();
+        throw;
+    }
+    UnlockAfterUpdate();
+}
+
+void IniFileStore::ReplaceFile(const std::string& in_bytes) const
+{
+    const std::string target = TargetPath();
+    const std::string folder = FolderPath();
+
+    struct stat original {};
+    const bool exists = stat(target.c_str(), &original) == 0;
+    const mode_t mode = exists ? (original.st_mode & 07777) : 0600;
+
+    TempFile temp;
+    std::random_device random;
+    const std::string base = target.substr(target.rfind('/') + 1);
+    for (int attempt = 0; attempt < 16 && temp.fd < 0; ++attempt)
+    {
+        temp.path = folder + "/." + base + ".tmp" + std::to_string(getpid()) + "." + std::to_string(random());
+        temp.fd = open(temp.path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+        if (temp.fd < 0 && errno != EEXIST)
+        {
+            const int error = errno;
+            temp.path.clear();
+            ThrowFileError(u"DSIniFolderWriteErr", folder, error);
+        }
+    }
+    if (temp.fd < 0)
+    {
+        temp.path.clear();
+        ThrowFileError(u"DSIniFolderWriteErr", folder, EEXIST);
+    }
+
+    size_t written = 0;
+    while (written < in_bytes.size())
+    {
+        const ssize_t count = write(temp.fd, in_bytes.data() + written, in_bytes.size() - written);
+        if (count < 0)
+        {
+            if (errno == EINTR)
+            {
+                continue;
+            }
+            ThrowFileError(u"DSIniWriteErr", target, errno);
+        }
+        written += static_cast<size_t>(count);
+    }
+    if (fchmod(temp.fd, mode) != 0)
+    {
+        ThrowFileError(u"DSIniWriteErr", target, errno);
+    }
+    if (exists && (original.st_uid != geteuid() || original.st_gid != getegid()))
+    {
+        // Keep the owner when we may (root editing a user's file); otherwise
+        // the file becomes ours, as any editor would leave it.
+        [[maybe_unused]] const int ignored = fchown(temp.fd, original.st_uid, original.st_gid);
+    }
+    if (fsync(temp.fd) != 0)
+    {
+        ThrowFileError(u"DSIniWriteErr", target, errno);
+    }
+    if (close(temp.fd) != 0)
+    {
+        temp.fd = -1;
+        ThrowFileError(u"DSIniWriteErr", target, errno);
+    }
+    temp.fd = -1;
+    if (rename(temp.path.c_str(), target.c_str()) != 0)
+    {
+        ThrowFileError(u"DSIniWriteErr", target, errno);
+    }
+    temp.path.clear();
+    // Make the rename itself durable.
+    const int folderFd = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (folderFd >= 0)
+    {
+        fsync(folderFd);
+        close(folderFd);
+    }
+}
+}  // namespace Tarni::Platform

@@ -1,0 +1,53 @@
+#pragma once
+// The Linux driver-wide store: one section of an INI file. The file is
+// replaced atomically (temporary file in the same folder, flushed, renamed),
+// keeps its permission bits and owner, and concurrent writers are serialised
+// with an advisory lock on the file's folder. A commit re-reads the file under
+// the lock and applies only this process's changes, so writers of different
+// keys never lose each other's values.
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/ISettingsStore.h"
+
+namespace Tarni::Platform
+{
+class IniFileStore final : public ISettingsStore
+{
+public:
+    IniFileStore(tarni_wstring in_path, tarni_wstring in_section);
+    ~IniFileStore() override;
+
+    tarni_wstring GetLocation() const override { return m_path; }
+    std::vector<StoredValue> ReadAll() override;
+    void WriteValue(tarni_wstring_view in_name, tarni_wstring_view in_value) override;
+    void DeleteValue(tarni_wstring_view in_name) override;
+    void BeginUpdate() override;
+    void CommitUpdate() override;
+    void AbortUpdate() override;
+    void LockForUpdate() override;
+    void UnlockAfterUpdate() override;
+
+private:
+    struct Change
+    {
+        tarni_wstring name;
+        std::optional<tarni_wstring> value;  // nothing: delete
+    };
+
+    void CheckName(tarni_wstring_view in_name) const;
+    void Apply(const std::vector<Change>& in_changes);
+    std::optional<std::string> ReadFileBytes() const;
+    void ReplaceFile(const std::string& in_bytes) const;
+    std::string TargetPath() const;
+    std::string FolderPath() const;
+
+    tarni_wstring m_path;
+    tarni_wstring m_section;
+    bool m_inUpdate = false;
+    std::vector<Change> m_pending;
+    int m_lockFd = -1;
+    int m_lockDepth = 0;
+};
+}  // namespace Tarni::Platform

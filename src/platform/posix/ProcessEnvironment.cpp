@@ -1,0 +1,55 @@
+#include "platform/ProcessEnvironment.h"
+
+#include <pwd.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <string>
+
+#include "support/StringConverter.h"
+
+namespace Tarni::Platform
+{
+using Support::StringConverter;
+
+std::optional<tarni_wstring> ProcessEnvironment::GetVariable(tarni_wstring_view in_name)
+{
+    const char* value = std::getenv(StringConverter::ToUtf8(in_name).c_str());
+    if (value == nullptr)
+    {
+        return std::nullopt;
+    }
+    return StringConverter::FromUtf8(value);
+}
+
+tarni_wstring ProcessEnvironment::GetExecutableDirectory()
+{
+    std::string path(4096, '\0');
+    const ssize_t length = readlink("/proc/self/exe", path.data(), path.size() - 1);
+    if (length <= 0)
+    {
+        return u"./";
+    }
+    path.resize(static_cast<size_t>(length));
+    path.erase(path.rfind('/') + 1);
+    return StringConverter::FromUtf8(path);
+}
+
+tarni_wstring ProcessEnvironment::GetHomeDirectory()
+{
+    if (const char* home = std::getenv("HOME"); home != nullptr && *home != '\0')
+    {
+        return StringConverter::FromUtf8(home);
+    }
+    if (const passwd* entry = getpwuid(getuid()); entry != nullptr && entry->pw_dir != nullptr)
+    {
+        return StringConverter::FromUtf8(entry->pw_dir);
+    }
+    return u".";
+}
+
+char16_t ProcessEnvironment::PathSeparator()
+{
+    return u'/';
+}
+}  // namespace Tarni::Platform

@@ -1,0 +1,46 @@
+#include "platform/ProcessEnvironment.h"
+
+#include <windows.h>
+
+namespace Tarni::Platform
+{
+std::optional<tarni_wstring> ProcessEnvironment::GetVariable(tarni_wstring_view in_name)
+{
+    const tarni_wstring name(in_name);
+    const auto* wname = reinterpret_cast<const wchar_t*>(name.c_str());
+    const DWORD length = GetEnvironmentVariableW(wname, nullptr, 0);
+    if (length == 0)
+    {
+        return GetLastError() == ERROR_ENVVAR_NOT_FOUND ? std::nullopt
+                                                        : std::optional<tarni_wstring>(tarni_wstring());
+    }
+    tarni_wstring value(length, u'\0');
+    const DWORD copied = GetEnvironmentVariableW(wname, reinterpret_cast<wchar_t*>(value.data()), length);
+    value.resize(copied);
+    return value;
+}
+
+tarni_wstring ProcessEnvironment::GetExecutableDirectory()
+{
+    tarni_wstring path(32768, u'\0');
+    const DWORD length =
+        GetModuleFileNameW(nullptr, reinterpret_cast<wchar_t*>(path.data()), static_cast<DWORD>(path.size()));
+    path.resize(length);
+    const size_t slash = path.find_last_of(u"\\/");
+    return slash == tarni_wstring::npos ? tarni_wstring(u".\\") : path.substr(0, slash + 1);
+}
+
+tarni_wstring ProcessEnvironment::GetHomeDirectory()
+{
+    if (auto profile = GetVariable(u"USERPROFILE"); profile && !profile->empty())
+    {
+        return *profile;
+    }
+    return u".";
+}
+
+char16_t ProcessEnvironment::PathSeparator()
+{
+    return u'\\';
+}
+}  // namespace Tarni::Platform
