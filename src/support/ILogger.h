@@ -34,31 +34,50 @@ public:
 #else
 #define TARNI_PRINTF_FORMAT
 #endif
+// An exception from formatting or writing reaches the caller unchanged, after
+// the argument list has been released.
+#define TARNI_LOG_AT_LEVEL(level)                                         \
+    if (IsEnabled(level))                                                 \
+    {                                                                     \
+        va_list a;                                                        \
+        va_start(a, in_fmt);                                              \
+        try                                                               \
+        {                                                                 \
+            LogMessageV(level, in_ns, in_cls, in_fn, in_fmt, a);          \
+        }                                                                 \
+        catch (...)                                                       \
+        {                                                                 \
+            va_end(a);                                                    \
+            throw;                                                        \
+        }                                                                 \
+        va_end(a);                                                        \
+    }
     void LogFatal(const char* in_ns, const char* in_cls, const char* in_fn, const char* in_fmt, ...) TARNI_PRINTF_FORMAT
     {
-        if (IsEnabled(LOG_FATAL)) { va_list a; va_start(a, in_fmt); LogMessageV(LOG_FATAL, in_ns, in_cls, in_fn, in_fmt, a); va_end(a); }
+        TARNI_LOG_AT_LEVEL(LOG_FATAL);
     }
     void LogError(const char* in_ns, const char* in_cls, const char* in_fn, const char* in_fmt, ...) TARNI_PRINTF_FORMAT
     {
-        if (IsEnabled(LOG_ERROR)) { va_list a; va_start(a, in_fmt); LogMessageV(LOG_ERROR, in_ns, in_cls, in_fn, in_fmt, a); va_end(a); }
+        TARNI_LOG_AT_LEVEL(LOG_ERROR);
     }
     void LogWarning(const char* in_ns, const char* in_cls, const char* in_fn, const char* in_fmt, ...) TARNI_PRINTF_FORMAT
     {
-        if (IsEnabled(LOG_WARNING)) { va_list a; va_start(a, in_fmt); LogMessageV(LOG_WARNING, in_ns, in_cls, in_fn, in_fmt, a); va_end(a); }
+        TARNI_LOG_AT_LEVEL(LOG_WARNING);
     }
     void LogInfo(const char* in_ns, const char* in_cls, const char* in_fn, const char* in_fmt, ...) TARNI_PRINTF_FORMAT
     {
-        if (IsEnabled(LOG_INFO)) { va_list a; va_start(a, in_fmt); LogMessageV(LOG_INFO, in_ns, in_cls, in_fn, in_fmt, a); va_end(a); }
+        TARNI_LOG_AT_LEVEL(LOG_INFO);
     }
     void LogDebug(const char* in_ns, const char* in_cls, const char* in_fn, const char* in_fmt, ...) TARNI_PRINTF_FORMAT
     {
-        if (IsEnabled(LOG_DEBUG)) { va_list a; va_start(a, in_fmt); LogMessageV(LOG_DEBUG, in_ns, in_cls, in_fn, in_fmt, a); va_end(a); }
+        TARNI_LOG_AT_LEVEL(LOG_DEBUG);
     }
     void LogTrace(const char* in_ns, const char* in_cls, const char* in_fn, const char* in_fmt, ...) TARNI_PRINTF_FORMAT
     {
-        if (IsEnabled(LOG_TRACE)) { va_list a; va_start(a, in_fmt); LogMessageV(LOG_TRACE, in_ns, in_cls, in_fn, in_fmt, a); va_end(a); }
+        TARNI_LOG_AT_LEVEL(LOG_TRACE);
     }
 #undef TARNI_PRINTF_FORMAT
+#undef TARNI_LOG_AT_LEVEL
 
     /// The entry record of a public operation, at TRACE level.
     void LogFunctionEntrance(const char* in_ns, const char* in_cls, const char* in_fn)
@@ -68,6 +87,7 @@ public:
 
 protected:
     LogLevel m_level = LOG_OFF;
+
 };
 
 }  // namespace Tarni::Support
