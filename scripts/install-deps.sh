@@ -11,6 +11,8 @@ packages=(
   # libraries of the portable core
   libicu-dev libboost1.81-dev libexpat1-dev nlohmann-json3-dev libthrift-dev
   libncurses-dev libspdlog-dev
+  # fuzz targets: clang with its libFuzzer and sanitizer runtimes
+  clang libclang-rt-14-dev
   # loaded at run time: libcrypto.so.3 and the ODBC installer library; the
   # openssl tool verifies signatures in tests
   libssl3 openssl libodbcinst2

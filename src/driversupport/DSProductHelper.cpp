@@ -1,5 +1,6 @@
 #include "driversupport/DSProductHelper.h"
 
+#include <algorithm>
 #include <fstream>
 #include <sstream>
 
@@ -160,5 +161,30 @@ Platform::DriverStoreLocation DSProductHelper::GetDriverStoreLocation(const tarn
                            Platform::ProcessEnvironment::PathSeparator() + GetProductIdentity().userIniFileName;
     }
     return location;
+}
+std::optional<std::pair<tarni_wstring, tarni_wstring>> DSProductHelper::s_logName;
+
+tarni_wstring DSProductHelper::GetLogName()
+{
+    std::lock_guard<std::recursive_mutex> guard(s_lock);
+    // The cache remembers the name it was derived from: a new identity derives anew.
+    const tarni_wstring& driverName = s_identity.shortDriverName;
+    if (!s_logName || s_logName->first != driverName)
+    {
+        tarni_wstring name = driverName;
+        constexpr std::u16string_view DRIVER = u"Driver";
+        while (!name.empty() && name.back() == u' ')
+        {
+            name.pop_back();
+        }
+        if (name.size() > DRIVER.size() && name.compare(name.size() - DRIVER.size(), DRIVER.size(), DRIVER) == 0)
+        {
+            name.erase(name.size() - DRIVER.size());
+        }
+        name.erase(std::remove_if(name.begin(), name.end(), [](char16_t in_c) { return in_c == u' ' || in_c == u'\t'; }),
+                   name.end());
+        s_logName.emplace(driverName, name);
+    }
+    return s_logName->second;
 }
 }  // namespace Tarni::DriverSupport

@@ -6,6 +6,7 @@
 #include <map>
 #include <mutex>
 #include <optional>
+#include <utility>
 
 #include "driversupport/ProductIdentity.h"
 #include "platform/DriverStoreLocation.h"
@@ -59,5 +60,15 @@ private:
     static std::optional<std::map<tarni_wstring, tarni_wstring, Support::CaseInsensitiveLess>> s_settings;
     static unsigned s_generation;
     static std::optional<tarni_wstring> s_registryPath;
+
+public:
+    /// The product's log name, the stem of its log files (the configuration
+    /// run logs to GetLogName() + "_DriverConfig.log"): the short driver name
+    /// without blanks and without its trailing "Driver", e.g. "TarniSparkODBC".
+    /// Derived once per product identity and cached.
+    static tarni_wstring GetLogName();
+
+private:
+    static std::optional<std::pair<tarni_wstring, tarni_wstring>> s_logName;
 };
 }  // namespace Tarni::DriverSupport

@@ -17,6 +17,6 @@ public:
 
 private:
     int m_errno;
-    unsigned long m_lastError;
+    [[maybe_unused]] unsigned long m_lastError;  // the system's last error, where there is one
 };
 }  // namespace Tarni::Platform
