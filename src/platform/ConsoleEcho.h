@@ -17,7 +17,7 @@ public:
 
 private:
     bool m_terminal = false;
-    unsigned long m_savedMode = 0;   // Windows console mode
-    void* m_savedTerminal = nullptr; // POSIX termios
+    [[maybe_unused]] unsigned long m_savedMode = 0;  // Windows console mode
+    [[maybe_unused]] void* m_savedTerminal = nullptr;  // POSIX termios
 };
 }  // namespace Tarni::Platform
