@@ -6,6 +6,12 @@ namespace Tarni::DriverSupport
 {
 using Support::StringConverter;
 
+namespace
+{
+const char* const NS = "Tarni::DriverSupport";
+const char* const CLS = "DSPrefixedPropertyGroup";
+}  // namespace
+
 DSPrefixedPropertyGroup::DSPrefixedPropertyGroup(std::string_view in_prefix)
     : m_prefix(StringConverter::FromUtf8(in_prefix))
 {
@@ -19,6 +25,7 @@ bool DSPrefixedPropertyGroup::IsGroupKey(tarni_wstring_view in_key) const
 
 void DSPrefixedPropertyGroup::Load(const std::vector<Platform::StoredValue>& in_stored)
 {
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "Load");
     m_properties.clear();
     m_loadedNames.clear();
     for (const auto& stored : in_stored)
@@ -34,6 +41,7 @@ void DSPrefixedPropertyGroup::Load(const std::vector<Platform::StoredValue>& in_
 
 void DSPrefixedPropertyGroup::Save(Platform::ISettingsStore& io_store)
 {
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "Save");
     for (const tarni_wstring& name : m_loadedNames)
     {
         if (!m_properties.Contains(name))
@@ -50,11 +58,13 @@ void DSPrefixedPropertyGroup::Save(Platform::ISettingsStore& io_store)
 void DSPrefixedPropertyGroup::WriteOne(Platform::ISettingsStore& io_store, tarni_wstring_view in_name,
                                        tarni_wstring_view in_value)
 {
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "WriteOne");
     io_store.WriteValue(m_prefix + tarni_wstring(in_name), in_value);
 }
 
 void DSPrefixedPropertyGroup::DeleteOne(Platform::ISettingsStore& io_store, tarni_wstring_view in_name)
 {
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "DeleteOne");
     io_store.DeleteValue(m_prefix + tarni_wstring(in_name));
 }
 }  // namespace Tarni::DriverSupport

@@ -7,6 +7,7 @@
 
 #include "driversupport/ConfigurationMap.h"
 #include "platform/ISettingsStore.h"
+#include "support/ILogger.h"
 
 namespace Tarni::DriverSupport
 {
@@ -31,7 +32,11 @@ public:
     void WriteOne(Platform::ISettingsStore& io_store, tarni_wstring_view in_name, tarni_wstring_view in_value);
     void DeleteOne(Platform::ISettingsStore& io_store, tarni_wstring_view in_name);
 
+    /// The log of the configuration that owns the group (nothing is logged without one).
+    void SetLogger(Support::ILogger* in_logger) { m_logger = in_logger; }
+
 protected:
+    Support::ILogger* m_logger = nullptr;
     tarni_wstring m_prefix;
     ConfigurationMap m_properties;
     std::vector<tarni_wstring> m_loadedNames;

@@ -5,16 +5,24 @@
 
 namespace Tarni::DriverSupport
 {
+namespace
+{
+const char* const NS = "Tarni::DriverSupport";
+const char* const CLS = "DSServerSidePropertyGroup";
+}  // namespace
+
 DSServerSidePropertyGroup::DSServerSidePropertyGroup() : DSPrefixedPropertyGroup("SSP_") {}
 
 void DSServerSidePropertyGroup::SetApplySSPWithQueries(tarni_wstring_view in_value)
 {
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "SetApplySSPWithQueries");
     m_applyWithQueries = tarni_wstring(in_value);
     m_writeApplyWithQueries = true;
 }
 
 void DSServerSidePropertyGroup::Load(const std::vector<Platform::StoredValue>& in_stored)
 {
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "Load");
     for (const auto& stored : in_stored)
     {
         if (Support::StringConverter::EqualsIgnoreCase(stored.name, Keys::ApplySSPWithQueries))
@@ -31,6 +39,7 @@ void DSServerSidePropertyGroup::Load(const std::vector<Platform::StoredValue>& i
 
 void DSServerSidePropertyGroup::Save(Platform::ISettingsStore& io_store)
 {
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "Save");
     io_store.WriteValue(Keys::LCaseSspKeyName, m_lcaseKeyName);
     if (m_writeApplyWithQueries)
     {

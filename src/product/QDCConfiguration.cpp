@@ -31,6 +31,9 @@ QDCConfiguration::QDCConfiguration(DriverSupport::DSServerSidePropertyGroup& io_
       m_store(io_store)
 {
     TARNI_LOG_ENTRY(in_logger, NS, CLS, "QDCConfiguration");
+    // The groups are part of this configuration and log into the same log.
+    m_serverSideProperties.SetLogger(in_logger);
+    m_httpHeaders.SetLogger(in_logger);
 }
 
 bool QDCConfiguration::IsDriverWideKey(tarni_wstring_view in_key) const
@@ -48,8 +51,22 @@ bool QDCConfiguration::IsDriverWideKey(tarni_wstring_view in_key) const
 void QDCConfiguration::Load()
 {
     TARNI_LOG_ENTRY(m_logger, NS, CLS, "Load");
-    LoadDefaults();
-    const auto stored = Support::TarniSettingReader::ReadAll();
+    std::vector<Platform::StoredValue> stored;
+    try
+    {
+        // The defaults already read stored values: the store's errors arise from here on.
+        LoadDefaults();
+        stored = Support::TarniSettingReader::ReadAll();
+    }
+    catch (const Support::ErrorException& e)
+    {
+        // An unreadable or malformed store: nothing is loaded and nothing will be saved over it.
+        if (m_logger != nullptr)
+        {
+            m_logger->LogError(NS, CLS, "Load", e);
+        }
+        throw;
+    }
     for (const auto& value : stored)
     {
         if (IsDriverWideKey(value.name))

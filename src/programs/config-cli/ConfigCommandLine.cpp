@@ -17,6 +17,7 @@
 #include "support/NullLogger.h"
 #include "support/StringConverter.h"
 #include "support/TarniSettingReader.h"
+#include "support/messages/DSIMessageManager.h"
 
 namespace Tarni::SparkODBC
 {
@@ -76,7 +77,7 @@ int ConfigCommandLine::Usage(const std::string& in_problem)
 
 std::string ConfigCommandLine::Describe(const Support::ErrorException& in_error) const
 {
-    return in_error.what();
+    return Support::DSIMessageManager::GetDisplayTextUtf8(in_error);
 }
 
 int ConfigCommandLine::Run(const std::vector<tarni_wstring>& in_arguments)
@@ -134,6 +135,9 @@ int ConfigCommandLine::Run(const std::vector<tarni_wstring>& in_arguments)
             store->LockForUpdate();
         }
         Support::TarniSettingReader::SetStore(store.get());
+        // The message files may be placed by ERRORMESSAGESPATH in the store:
+        // the catalogue takes its folder now, while the store is open.
+        Support::DSIMessageManager::GetDefault().GetSource().GetMessagesPath();
         // The same credential rules as the dialog program: a secret is kept
         // only in protected form, and never in plain text.
         DriverSupport::DSUidPwdConfiguration::SetEncryptionOptionsEnabled(true);

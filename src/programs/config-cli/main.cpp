@@ -3,6 +3,7 @@
 #include "platform/ProcessEnvironment.h"
 #include "programs/config-cli/ConfigCommandLine.h"
 #include "support/ErrorException.h"
+#include "support/messages/DSIMessageManager.h"
 
 int main(int argc, char** argv)
 {
@@ -15,7 +16,8 @@ int main(int argc, char** argv)
     }
     catch (const Tarni::Support::ErrorException& e)
     {
-        std::cerr << "tarni-spark-config: the command line is not valid UTF-8 (" << e.what() << ")\n";
+        std::cerr << "tarni-spark-config: the command line: "
+                  << Tarni::Support::DSIMessageManager::GetDisplayTextUtf8(e) << "\n";
         return Tarni::SparkODBC::ConfigCommandLine::RESULT_USAGE;
     }
 }

@@ -9,6 +9,7 @@
 #include "TestFiles.h"
 #include "platform/ProcessEnvironment.h"
 #include "platform/ProcessInfo.h"
+#include "support/StringConverter.h"
 #include "support/log/DriverLog.h"
 #include "support/log/ETWLogger.h"
 

@@ -14,6 +14,7 @@
 
 #include "TestFiles.h"
 #include "support/ComponentId.h"
+#include "support/StringConverter.h"
 #include "support/messages/DSIMessageManager.h"
 #include "support/messages/DSIXmlMessageReader.h"
 #include "support/messages/GetParameterizedMessage.h"
