@@ -6,8 +6,10 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <memory>
 #include <mutex>
 #include <string>
+#include <vector>
 
 #include "platform/ErrorStatePreserver.h"
 #include "platform/FileAccess.h"
@@ -35,6 +37,8 @@ struct TraceOutput
     std::mutex writeLock;
     std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
     std::atomic<const char*> tag{nullptr};
+    // Every tag ever set: a line being built may still read an old one.
+    std::vector<std::unique_ptr<char[]>> tags;
 };
 
 TraceOutput& Output()
@@ -436,14 +440,16 @@ void tarni_trace_modules(int in_level)
 
 void tarni_trace_set_tag(const char* in_tag)
 {
-    // The old tag may still be read by a line being built: it is left alive.
+    TraceOutput& output = Output();
     char* copy = nullptr;
     if (in_tag != nullptr)
     {
-        copy = new char[std::strlen(in_tag) + 1];
+        std::lock_guard<std::mutex> guard(output.writeLock);
+        output.tags.push_back(std::make_unique<char[]>(std::strlen(in_tag) + 1));
+        copy = output.tags.back().get();
         std::strcpy(copy, in_tag);
     }
-    Output().tag.store(copy, std::memory_order_release);
+    output.tag.store(copy, std::memory_order_release);
 }
 
 const char* tarni_trace_path()

@@ -19,13 +19,14 @@ TEST(DSILogger, WritesTimeLevelThreadPlaceAndMessage)
     CapturingLogger logger(LOG_INFO);
     logger.LogInfo("Tarni::DriverSupport", "DSDSNConfiguration", "Load", "loaded %d values from %s", 42, "store");
     logger.LogFatal("Tarni::X", "C", "F", "%s", "fatal");
-    ASSERT_EQ(2U, logger.Lines().size());
+    const std::vector<std::string> lines = logger.Lines();
+    ASSERT_EQ(2U, lines.size());
     const std::regex format(R"(^[A-Z][a-z]{2} \d{2} \d{2}:\d{2}:\d{2}\.\d{3} INFO  (\d+) )"
                             R"(Tarni::DriverSupport::DSDSNConfiguration::Load: loaded 42 values from store$)");
     std::smatch match;
-    ASSERT_TRUE(std::regex_match(logger.Lines()[0], match, format)) << logger.Lines()[0];
+    ASSERT_TRUE(std::regex_match(lines[0], match, format)) << lines[0];
     EXPECT_EQ(std::to_string(Tarni::Platform::ProcessInfo::CurrentThreadId()), match[1].str());
-    EXPECT_NE(std::string::npos, logger.Lines()[1].find(" FATAL "));
+    EXPECT_NE(std::string::npos, lines[1].find(" FATAL "));
 }
 
 TEST(DSILogger, WritesOnlyAtOrBelowItsLevel)
