@@ -32,6 +32,7 @@ public:
     bool IsPwdOptional() const { return m_pwdOptional; }
     unsigned GetConfigType() const { return m_configType; }
     const DSUidPwdKeySet& GetKeySet() const { return m_keys; }
+    Support::ILogger* GetLog() const { return m_logger; }
 
     /// Process-wide switches, set once at start-up.
     static void SetEncryptionOptionsEnabled(bool in_enabled);
