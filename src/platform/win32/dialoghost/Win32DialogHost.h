@@ -4,6 +4,14 @@
 // boxes and the shell's folder chooser.
 #include <windows.h>
 
+// The host's operations carry the names of the Windows calls they stand for;
+// the A/W macros of those names would rename them in this file.
+#undef DialogBoxParam
+#undef LoadString
+#undef MessageBox
+#undef GetOpenFileName
+#undef GetSaveFileName
+
 #include <exception>
 
 #include "platform/dialog/IDialogHost.h"
