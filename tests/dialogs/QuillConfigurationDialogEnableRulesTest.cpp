@@ -113,32 +113,12 @@ bool ExpectedEnabled(int in_id, const Situation& s)
     }
 }
 
-constexpr int CONTROLS[] = {IDOK,
-                            IDC_TEST,
-                            IDC_DSN_NAME,
-                            IDC_DSN_DESCRIPTION,
-                            IDC_HOSTS,
-                            IDC_PORT,
-                            IDC_DATABASE,
-                            IDC_SERVER_TYPE,
-                            IDC_AUTH_MECH,
-                            IDC_KRB_REALM,
-                            IDC_KRB_HOST_FQDN,
-                            IDC_KRB_SERVICE_NAME,
-                            IDC_CANONICALIZE_PRINCIPAL,
-                            IDC_DELEGATE_KRB_CREDS,
-                            IDC_USER_NAME,
-                            IDC_PASSWORD,
-                            IDC_PASSWORD_OPTIONS,
-                            IDC_SERVICE_DISCOVERY_MODE,
-                            IDC_SERVICE_DISCOVERY_OPTIONS,
-                            IDC_SSL_OPTIONS,
-                            IDC_HTTP_OPTIONS,
-                            IDC_PROXY_OPTIONS,
-                            IDC_OAUTH_OPTIONS,
-                            IDC_SAML_OPTIONS,
-                            IDC_DFI_OPTIONS,
-                            IDC_DELEGATION_UID};
+constexpr int CONTROLS[] = {
+    IDOK, IDC_TEST, IDC_DSN_NAME, IDC_DSN_DESCRIPTION, IDC_HOSTS, IDC_PORT, IDC_DATABASE, IDC_SERVER_TYPE,
+    IDC_AUTH_MECH, IDC_KRB_REALM, IDC_KRB_HOST_FQDN, IDC_KRB_SERVICE_NAME, IDC_CANONICALIZE_PRINCIPAL,
+    IDC_DELEGATE_KRB_CREDS, IDC_USER_NAME, IDC_PASSWORD, IDC_PASSWORD_OPTIONS, IDC_SERVICE_DISCOVERY_MODE,
+    IDC_SERVICE_DISCOVERY_OPTIONS, IDC_SSL_OPTIONS, IDC_HTTP_OPTIONS, IDC_PROXY_OPTIONS, IDC_OAUTH_OPTIONS,
+    IDC_SAML_OPTIONS, IDC_DFI_OPTIONS, IDC_DELEGATION_UID};
 
 class QuillConfigurationDialogEnableRulesTest : public Testing::MainDialogTest
 {
@@ -240,7 +220,18 @@ TEST_F(QuillConfigurationDialogEnableRulesTest, TheStatesFollowTheUsersChangesTo
         w.Type(IDC_HOSTS, u"");
         EXPECT_FALSE(w.Enabled(IDC_TEST));
         w.Type(IDC_HOSTS, u"h");
+        // Kerberos needs both parts of the principal.
+        w.SelectCombo(IDC_AUTH_MECH, u"Kerberos");
+        EXPECT_TRUE(w.Enabled(IDOK));
+        w.Type(IDC_KRB_SERVICE_NAME, u"");
+        EXPECT_FALSE(w.Enabled(IDOK));
+        w.PressEnter();
+        EXPECT_FALSE(w.IsEnded());
+        w.Type(IDC_KRB_SERVICE_NAME, u"spark");
+        w.Type(IDC_KRB_HOST_FQDN, u"");
+        EXPECT_FALSE(w.Enabled(IDC_TEST));
         w.SelectCombo(IDC_AUTH_MECH, u"OAuth 2.0");
+        EXPECT_TRUE(w.Enabled(IDOK)) << "the Kerberos fields do not matter for other mechanisms";
         EXPECT_TRUE(w.Enabled(IDC_OAUTH_OPTIONS));
         EXPECT_TRUE(w.Enabled(IDC_HTTP_OPTIONS)) << "OAuth goes over HTTP";
         EXPECT_FALSE(w.Enabled(IDC_USER_NAME));
