@@ -28,7 +28,6 @@ namespace
 {
 constexpr unsigned LONG_STRING_ID = 60010;  // only in this test's resources
 
-std::wstring Wide(tarni_wstring_view in_text) { return std::wstring(in_text.begin(), in_text.end()); }
 
 std::string ClassOf(HWND in_window)
 {
