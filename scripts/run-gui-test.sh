@@ -5,7 +5,11 @@
 # Usage: scripts/run-gui-test.sh PROGRAM.exe [ARGUMENTS...]
 set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
-export WINEPREFIX=${TARNI_WINEPREFIX:-$here/build/wineprefix}
+# A Wine prefix of their own: the other tests run Wine without an X server,
+# and a Wine server shared with them would keep this one from binding to its
+# own display.
+export TARNI_WINEPREFIX=${TARNI_GUI_WINEPREFIX:-$here/build/wineprefix-gui}
+export WINEPREFIX=$TARNI_WINEPREFIX
 # A Wine left running by an earlier program is bound to another display:
 # wait until it has shut down.
 wineserver -w >/dev/null 2>&1 || true

@@ -13,7 +13,11 @@ mkdir -p "$out"
 ids=("$@")
 [ ${#ids[@]} -gt 0 ] || ids=(1092 1093 19144 1051 129 131 132 133 142 1091 19136 1137 8101 8102 9109 9110 37086)
 
-export WINEPREFIX=${TARNI_WINEPREFIX:-$here/build/wineprefix}
+# A Wine prefix of their own: the other tests run Wine without an X server,
+# and a Wine server shared with them would keep this one from binding to its
+# own display.
+export TARNI_WINEPREFIX=${TARNI_GUI_WINEPREFIX:-$here/build/wineprefix-gui}
+export WINEPREFIX=$TARNI_WINEPREFIX
 wineserver -w >/dev/null 2>&1 || true
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
