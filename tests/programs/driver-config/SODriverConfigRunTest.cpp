@@ -73,6 +73,19 @@ protected:
 
 TEST_F(SODriverConfigRunTest, TheMainDialogShowsTheConfigurationAndOkSavesIt)
 {
+    // The registry outlives a test run: start from known stored values.
+    {
+        auto store =
+            SettingsStoreFactory::OpenDriverStore(DSProductHelper::GetDriverStoreLocation(m_options.iniPath));
+        const std::pair<const char16_t*, const char16_t*> known[] = {
+            {u"SparkServerType", u"3"}, {u"AuthMech", u"2"}, {u"ThriftTransport", u"0"},
+            {u"ServiceDiscoveryMode", u"No Service Discovery"}, {u"KrbServiceName", u"spark"},
+            {u"KrbHostFQDN", u"_HOST"}, {u"ServicePrincipalCanonicalization", u"1"}};
+        for (const auto& [name, value] : known)
+        {
+            store->WriteValue(name, value);
+        }
+    }
     const int result = Run([&](ScriptedDialogWindow& w) {
         EXPECT_EQ(w.GetTitle(), u"Tarni Spark ODBC Driver Configuration");
         EXPECT_EQ(w.Items(IDC_SERVER_TYPE).size(), 4u);
