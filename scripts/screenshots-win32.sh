@@ -31,7 +31,7 @@ xvfb-run -a -s "-screen 0 1280x1024x24 -nolisten tcp" bash -c '
     # Wait for the gallery to report the dialog, then let it paint.
     for _ in $(seq 1 600); do grep -q "^$id " "$work/rects" 2>/dev/null && break; sleep 0.1; done
     sleep 1.5
-    read -r _ left top right bottom < <(grep "^$id " "$work/rects")
+    read -r _ left top right bottom < <(grep "^$id " "$work/rects" | tr -d "\\r")
     desktop=$(xwininfo -root -tree | awk "/\"Gallery - Wine desktop\"|\"Wine desktop\"/ {print \$1; exit}")
     if [ -n "$desktop" ]; then
       import -window "$desktop" -crop "$((right - left))x$((bottom - top))+$left+$top" +repage "$out/win32-$id.png"
