@@ -1,5 +1,6 @@
 #include "dialogs/QuillConfigurationDialog.h"
 
+#include "dialogs/DSDialogMessageBoxHost.h"
 #include "dialogs/DSPasswordOptionsDialog.h"
 #include "dialogs/QuillZkDialog.h"
 #include "driversupport/ConfigurationKeys.h"
@@ -349,6 +350,13 @@ void QuillConfigurationDialog::DoOkAction(unsigned in_id)
         return;
     }
     ReadConfigValuesFromDlg();
+    // A password typed here is saved only encrypted; when no scope is chosen
+    // it is dropped on save, and the user is told so now.
+    if (m_window->IsItemEnabled(IDC_PASSWORD) && !Text(IDC_PASSWORD).empty())
+    {
+        DriverSupport::DSDialogMessageBoxHost boxes(*m_window);
+        m_configuration.GetCredentials().ShowPwdNotSavedInfoMsg(boxes);
+    }
     m_window->EndDialog(1);
 }
 }  // namespace Tarni::SparkODBC

@@ -192,3 +192,31 @@ TEST_F(SODriverConfigRunTest, ZooKeeperAndPasswordOptionsOpenFromTheMainDialog)
     EXPECT_EQ(stored.at(u"UID"), u"alice");
     EXPECT_EQ(stored.count(u"PWD"), 0u) << "a plain password never reaches the store";
 }
+
+TEST_F(SODriverConfigRunTest, APasswordWithoutAnEncryptionScopeIsDroppedAndTheUserIsTold)
+{
+    m_host.ExpectDialog(IDD_DRIVER_CONFIG, [](ScriptedDialogWindow& w) {
+        w.SelectCombo(IDC_AUTH_MECH, u"User Name and Password");
+        w.Type(IDC_USER_NAME, u"bob");
+        w.Type(IDC_PASSWORD, u"pa55word");
+        w.Click(IDC_PASSWORD_OPTIONS);
+        w.Click(IDOK);
+    });
+    m_host.ExpectDialog(IDD_PASSWORD_OPTIONS, [](ScriptedDialogWindow& w) {
+        // Neither scope: the password is not to be saved.
+        w.CheckButton(IDC_PWD_CURRENT_USER_ONLY, false);
+        w.CheckButton(IDC_PWD_ALL_USERS, false);
+        w.Click(IDOK);
+    });
+    m_host.ExpectMessageBox(IDOK);
+    EXPECT_EQ(SODriverConfigRun::Run(m_host, m_options), 1);
+    ASSERT_EQ(m_host.GetMessageBoxes().size(), 1u);
+    const auto& box = m_host.GetMessageBoxes().front();
+    EXPECT_EQ(box.caption, u"Credentials Not Saved");
+    EXPECT_EQ(box.flags, 0x30u);
+    EXPECT_EQ(box.ownerTemplate, static_cast<unsigned>(IDD_DRIVER_CONFIG));
+    EXPECT_NE(box.text.find(u"The value of the PWD configuration is not being saved."), tarni_wstring::npos);
+    const Snapshot stored = Stored();
+    EXPECT_EQ(stored.count(u"PWD"), 0u);
+    EXPECT_EQ(stored.count(u"EncryptedPWD"), 0u);
+}
