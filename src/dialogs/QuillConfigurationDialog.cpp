@@ -3,6 +3,7 @@
 #include <initializer_list>
 #include <optional>
 
+#include "dialogs/DSDialogMessageBoxHost.h"
 #include "dialogs/DSMessageCatalogue.h"
 #include "dialogs/DSPasswordOptionsDialog.h"
 #include "dialogs/DSTestResultDialog.h"
@@ -846,6 +847,13 @@ void QuillConfigurationDialog::DoOkAction(unsigned in_id)
         m_configuration.SetDsnName(name);
     }
     ReadConfigValuesFromDlg();
+    // A password typed here is saved only encrypted; when no scope is chosen
+    // it is dropped on save, and the user is told so now.
+    if (m_window->IsItemEnabled(IDC_PASSWORD) && !Text(IDC_PASSWORD).empty())
+    {
+        DriverSupport::DSDialogMessageBoxHost boxes(*m_window);
+        m_configuration.GetCredentials().ShowPwdNotSavedInfoMsg(boxes);
+    }
     if (m_saveAction)
     {
         m_saveAction(m_window);

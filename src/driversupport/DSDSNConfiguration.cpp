@@ -51,6 +51,33 @@ std::vector<DSConfigurationComponent*> DSDSNConfiguration::Components() const
     return components;
 }
 
+std::vector<DSUidPwdConfiguration*> DSDSNConfiguration::GetCredentialComponents() const
+{
+    std::vector<DSUidPwdConfiguration*> credentials{m_credentials.get(), &m_ssl->GetClientKeyCredentials(),
+                                                    m_proxy.get()};
+    for (const auto& component : m_furtherComponents)
+    {
+        if (auto* credential = dynamic_cast<DSUidPwdConfiguration*>(component.get()))
+        {
+            credentials.push_back(credential);
+        }
+    }
+    return credentials;
+}
+
+DSUidPwdConfiguration* DSDSNConfiguration::FindCredentialBySecretKey(tarni_wstring_view in_key) const
+{
+    for (DSUidPwdConfiguration* credential : GetCredentialComponents())
+    {
+        if (StringConverter::EqualsIgnoreCase(in_key, credential->GetKeySet().Pwd()) ||
+            StringConverter::EqualsIgnoreCase(in_key, credential->GetKeySet().EncryptedPwd()))
+        {
+            return credential;
+        }
+    }
+    return nullptr;
+}
+
 ConfigurationMap DSDSNConfiguration::GetDefaultDriverProperties() const
 {
     TARNI_LOG_ENTRY(m_logger, NS, CLS, "GetDefaultDriverProperties");

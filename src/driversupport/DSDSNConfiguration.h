@@ -48,6 +48,14 @@ public:
     DSSSLConfiguration& GetSSLConfiguration() { return *m_ssl; }
     DSProxyConfiguration& GetProxyConfiguration() { return *m_proxy; }
 
+    /// Every credential of the configuration whose password is a stored
+    /// secret: the DSN's own, the SSL client key's, the proxy's and those of
+    /// the further components.
+    std::vector<DSUidPwdConfiguration*> GetCredentialComponents() const;
+
+    /// The credential whose plain or protected password key this is, or null.
+    DSUidPwdConfiguration* FindCredentialBySecretKey(tarni_wstring_view in_key) const;
+
     /// Further components (OAuth, AOSS, DFI ...) that take part in defaults,
     /// load and save after the credentials, SSL and proxy.
     void AddComponent(std::unique_ptr<DSConfigurationComponent> in_component);

@@ -10,5 +10,6 @@ DSProxyConfiguration::DSProxyConfiguration(ConfigurationMap& io_map, Support::IL
                             DSUidPwdKeySet{tarni_wstring(Keys::ProxyUID), tarni_wstring(Keys::ProxyPWD),
                                            tarni_wstring(Keys::ProxyEncryptedPWD), u""})
 {
+    SetParentDlgName(u"Proxy Options dialog");
 }
 }  // namespace Tarni::DriverSupport

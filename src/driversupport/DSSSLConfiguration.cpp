@@ -26,6 +26,13 @@ DSSSLConfiguration::DSSSLConfiguration(ConfigurationMap& io_map, Support::ILogge
     DSUidPwdKeySet keys{tarni_wstring(), tarni_wstring(Keys::ClientPrivateKeyPWD),
                         tarni_wstring(Keys::EncryptedClientPrivateKeyPWD), m_descriptor ? m_descriptor->prefix : u""};
     m_clientKeyCredentials = std::make_unique<DSUidPwdConfiguration>(io_map, in_logger, in_configType, keys);
+    m_clientKeyCredentials->SetParentDlgName(u"SSL Options dialog");
+}
+
+void DSSSLConfiguration::ShowPwdNotSavedInfoMsg(DSMessageBoxHost& io_host) const
+{
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "ShowPwdNotSavedInfoMsg");
+    m_clientKeyCredentials->ShowPwdNotSavedInfoMsg(io_host);
 }
 
 tarni_wstring DSSSLConfiguration::Key(tarni_wstring_view in_name) const

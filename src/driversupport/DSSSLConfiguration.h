@@ -40,6 +40,8 @@ public:
     bool IsForcedSSL() const { return m_descriptor && m_descriptor->sslForced; }
     bool IsEnableMinTlsDlgElement() const { return m_minTlsShown; }
     DSUidPwdConfiguration& GetClientKeyCredentials() { return *m_clientKeyCredentials; }
+    /// The client private key password's "Credentials Not Saved" box.
+    void ShowPwdNotSavedInfoMsg(DSMessageBoxHost& io_host) const;
 
     /// "1.0", "1.1", "1.2" or "unrestricted"; other text gives in_default.
     static MinTlsVersion ParseMinTls(tarni_wstring_view in_text, MinTlsVersion in_default);

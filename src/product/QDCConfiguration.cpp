@@ -68,6 +68,8 @@ void QDCConfiguration::Save()
     TARNI_LOG_ENTRY(m_logger, NS, CLS, "Save");
     const bool suppressServiceDiscovery =
         DriverSupport::DSProductHelper::IsSettingOne(DriverSupport::ProductSettingKeys::SupressServiceDiscovery);
+    // What the store holds now, to find secrets that must leave it.
+    const std::vector<Platform::StoredValue> present = m_store.ReadAll();
     m_store.BeginUpdate();
     try
     {
@@ -84,6 +86,7 @@ void QDCConfiguration::Save()
                 m_store.WriteValue(key, value);
             }
         }
+        DeleteSecretsNoLongerKept(present);
         SaveLoggingProperties(m_store);
         m_serverSideProperties.Save(m_store);
         m_httpHeaders.Save(m_store);
@@ -107,6 +110,32 @@ void QDCConfiguration::Save()
     {
         m_store.AbortUpdate();
         throw;
+    }
+}
+
+void QDCConfiguration::DeleteSecretsNoLongerKept(const std::vector<Platform::StoredValue>& in_present)
+{
+    // A protected password that the credential no longer keeps (the user
+    // chose no encryption, or removed the password) is absent from the map
+    // after finalising; unlike an ordinary key it must leave the store too.
+    // A plain password found in the store (written by hand) goes as well:
+    // after a save no secret is stored in plain text.
+    for (const DriverSupport::DSUidPwdConfiguration* credential : GetCredentialComponents())
+    {
+        for (const tarni_wstring& key : {credential->GetKeySet().EncryptedPwd(), credential->GetKeySet().Pwd()})
+        {
+            if (m_map.Contains(key) && IsDriverWideKey(key))
+            {
+                continue;
+            }
+            for (const Platform::StoredValue& stored : in_present)
+            {
+                if (StringConverter::EqualsIgnoreCase(stored.name, key))
+                {
+                    m_store.DeleteValue(stored.name);
+                }
+            }
+        }
     }
 }
 

@@ -23,6 +23,35 @@ QuillConfiguration::QuillConfiguration(tarni_wstring in_dsnName, unsigned in_con
     : DSDSNConfiguration(std::move(in_dsnName), in_configType, in_logger)
 {
     TARNI_LOG_ENTRY(in_logger, NS, CLS, "QuillConfiguration");
+    using DriverSupport::DSUidPwdKeySet;
+    const auto key = [](tarni_wstring_view in_key) { return tarni_wstring(in_key); };
+    m_aossCredentials = AddCredential(
+        DSUidPwdKeySet{key(Keys::UID), key(Keys::PWD), key(Keys::EncryptedPWD), key(Keys::AOSS_Prefix)},
+        u"AOSS Options dialog");
+    m_oauthClientSecret = AddCredential(DSUidPwdKeySet{key(Keys::Auth_Client_ID), key(Keys::Auth_Client_Secret),
+                                                       key(Keys::Auth_Encrypted_Client_Secret), u""},
+                                        u"OAuth Options dialog");
+    m_oauthAccessToken = AddCredential(
+        DSUidPwdKeySet{u"", key(Keys::Auth_AccessToken), key(Keys::Auth_Encrypted_Access_Token), u""},
+        u"OAuth Options dialog");
+    m_oauthClientSecret->SetPasswordOptionsButtonName(u"Encryption Options button");
+    m_oauthAccessToken->SetPasswordOptionsButtonName(u"Encryption Options button");
+    m_dfiKeyFilePassword = AddCredential(
+        DSUidPwdKeySet{u"", key(Keys::keyFilePassword), key(Keys::EncryptedKeyFilePassword), u""}, u"DFI Options");
+}
+
+DriverSupport::DSUidPwdConfiguration* QuillConfiguration::AddCredential(DriverSupport::DSUidPwdKeySet in_keys,
+                                                                        tarni_wstring_view in_parentDlgName)
+{
+    auto credential =
+        std::make_unique<DriverSupport::DSUidPwdConfiguration>(m_map, m_logger, m_configType, std::move(in_keys));
+    credential->SetParentDlgName(in_parentDlgName);
+    // Each of these may legitimately be empty (no AOSS authentication, an
+    // OAuth flow without that secret, an unencrypted key file).
+    credential->SetPwdOptional();
+    DriverSupport::DSUidPwdConfiguration* raw = credential.get();
+    AddComponent(std::move(credential));
+    return raw;
 }
 
 std::vector<std::pair<tarni_wstring, tarni_wstring>> QuillConfiguration::GetOrderedDriverDefaults()

@@ -17,5 +17,25 @@ public:
     /// The default properties as an ordered list (the order they are built
     /// in), for documentation and tests of that order.
     static std::vector<std::pair<tarni_wstring, tarni_wstring>> GetOrderedDriverDefaults();
+
+    /// Credentials of the further components, each saved only in protected
+    /// form: the AOSS status endpoint ("AOSS_UID", "AOSS_PWD" /
+    /// "AOSS_EncryptedPWD"), the OAuth client secret ("Auth_Client_Secret" /
+    /// "Auth_Encrypted_Client_Secret") and access token ("Auth_AccessToken" /
+    /// "Auth_Encrypted_Access_Token"), and the DFI key file password
+    /// ("keyFilePassword" / "EncryptedKeyFilePassword").
+    DriverSupport::DSUidPwdConfiguration& GetAOSSCredentials() { return *m_aossCredentials; }
+    DriverSupport::DSUidPwdConfiguration& GetOAuthClientSecret() { return *m_oauthClientSecret; }
+    DriverSupport::DSUidPwdConfiguration& GetOAuthAccessToken() { return *m_oauthAccessToken; }
+    DriverSupport::DSUidPwdConfiguration& GetDFIKeyFilePassword() { return *m_dfiKeyFilePassword; }
+
+private:
+    DriverSupport::DSUidPwdConfiguration* AddCredential(DriverSupport::DSUidPwdKeySet in_keys,
+                                                        tarni_wstring_view in_parentDlgName);
+
+    DriverSupport::DSUidPwdConfiguration* m_aossCredentials = nullptr;
+    DriverSupport::DSUidPwdConfiguration* m_oauthClientSecret = nullptr;
+    DriverSupport::DSUidPwdConfiguration* m_oauthAccessToken = nullptr;
+    DriverSupport::DSUidPwdConfiguration* m_dfiKeyFilePassword = nullptr;
 };
 }  // namespace Tarni::SparkODBC

@@ -2,6 +2,7 @@
 // Loads product settings from text for one test and drops them afterwards.
 #include <gtest/gtest.h>
 
+#include "common/SecretKeySources.h"
 #include "common/TempDirectory.h"
 #include "driversupport/DSProductHelper.h"
 #include "product/SOProductIdentity.h"
@@ -31,5 +32,6 @@ protected:
         DriverSupport::DSProductHelper::LoadProductSettings(Support::StringConverter::FromUtf8(path.string()));
     }
     TempDirectory m_dir;
+    SecretKeySources m_secretKeys;
 };
 }  // namespace Tarni::Testing

@@ -72,6 +72,7 @@ TEST_F(QuillConfigurationDialogTest, StoredValuesAreShownAndOkWritesEveryControl
     Set(Keys::Host, u"h1,h2");
     Set(Keys::DelegateKrbCreds, u"1");
     m_configuration.GetCredentials().SetUid(u"ann");
+    m_configuration.GetCredentials().SetEncryptPwd(true);  // a typed password will be saved: no warning
     m_configuration.SetDsnName(u"Sales");
     Run(IDD_DSN_SETUP, [](Window& w) {
         EXPECT_EQ(w.SelectedText(IDC_SERVER_TYPE), u"SharkServer2 (Shark 0.9.*)");

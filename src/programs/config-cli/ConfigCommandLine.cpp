@@ -1,11 +1,14 @@
 #include "programs/config-cli/ConfigCommandLine.h"
 
-#include <istream>
+#include <algorithm>
+#include <iostream>
 #include <memory>
-#include <ostream>
+#include <optional>
 
+#include "driversupport/DSEncryptionUtils.h"
 #include "driversupport/DSProductHelper.h"
 #include "driversupport/DSServerSidePropertyGroup.h"
+#include "platform/ConsoleEcho.h"
 #include "platform/ProcessEnvironment.h"
 #include "platform/SettingsStoreFactory.h"
 #include "product/QDCConfiguration.h"
@@ -44,6 +47,15 @@ const char* ConfigCommandLine::UsageText()
            "  set KEY=VALUE...      set one or more settings and save them together\n"
            "  unset KEY...          remove a prefixed setting (SSP_..., http.header....)\n"
            "                        or return an ordinary one to its default\n"
+           "  set-secret KEY [--scope user|machine]\n"
+           "                        read a secret (PWD, ProxyPWD, ClientPrivateKeyPWD,\n"
+           "                        Auth_Client_Secret, Auth_AccessToken, AOSS_PWD,\n"
+           "                        keyFilePassword) from one line of standard input and\n"
+           "                        save it protected for the current user (default) or\n"
+           "                        for all users of this machine\n"
+           "\n"
+           "Secrets are never taken from the command line, and show and get print them\n"
+           "as ****.\n"
            "\n"
            "Options:\n"
            "  --ini PATH            the INI file to use (Linux; default $SPARKINI, else\n"
@@ -105,7 +117,7 @@ int ConfigCommandLine::Run(const std::vector<tarni_wstring>& in_arguments)
     const tarni_wstring command = in_arguments[index];
     const std::vector<tarni_wstring> operands(in_arguments.begin() + static_cast<std::ptrdiff_t>(index) + 1,
                                               in_arguments.end());
-    const bool modifies = command == u"set" || command == u"unset";
+    const bool modifies = command == u"set" || command == u"unset" || command == u"set-secret";
     if (!modifies && command != u"show" && command != u"get")
     {
         return Usage("unknown command " + U8(command));
@@ -122,6 +134,10 @@ int ConfigCommandLine::Run(const std::vector<tarni_wstring>& in_arguments)
             store->LockForUpdate();
         }
         Support::TarniSettingReader::SetStore(store.get());
+        // The same credential rules as the dialog program: a secret is kept
+        // only in protected form, and never in plain text.
+        DriverSupport::DSUidPwdConfiguration::SetEncryptionOptionsEnabled(true);
+        DriverSupport::DSUidPwdConfiguration::SetDropPlainPasswordOnSave(true);
         Support::NullLogger logger;
         DriverSupport::DSServerSidePropertyGroup serverSideProperties;
         DriverSupport::DSPrefixedPropertyGroup httpHeaders("http.header.");
@@ -140,6 +156,10 @@ int ConfigCommandLine::Run(const std::vector<tarni_wstring>& in_arguments)
         else if (command == u"set")
         {
             result = Set(config, operands);
+        }
+        else if (command == u"set-secret")
+        {
+            result = SetSecret(config, operands);
         }
         else
         {
@@ -160,7 +180,7 @@ int ConfigCommandLine::Show(QDCConfiguration& io_config)
 {
     for (const auto& [key, value] : io_config.GetMap())
     {
-        m_out << U8(key) << "=" << U8(value) << "\n";
+        m_out << U8(key) << "=" << Shown(io_config, key, value) << "\n";
     }
     return RESULT_OK;
 }
@@ -176,7 +196,7 @@ int ConfigCommandLine::Get(QDCConfiguration& io_config, const std::vector<tarni_
         m_err << "tarni-spark-config: no setting named " << U8(in_operands[0]) << "\n";
         return RESULT_FAILURE;
     }
-    m_out << U8(io_config.GetMap().GetValue(in_operands[0])) << "\n";
+    m_out << Shown(io_config, in_operands[0], io_config.GetMap().GetValue(in_operands[0])) << "\n";
     return RESULT_OK;
 }
 
@@ -192,6 +212,15 @@ int ConfigCommandLine::Set(QDCConfiguration& io_config, const std::vector<tarni_
         if (equals == tarni_wstring::npos || equals == 0)
         {
             return Usage("expected KEY=VALUE, got " + U8(pair));
+        }
+        // A secret on the command line would be visible to every user of the
+        // machine (process list, shell history): refuse it, without echoing
+        // the value.
+        const tarni_wstring_view key = tarni_wstring_view(pair).substr(0, equals);
+        if (io_config.FindCredentialBySecretKey(key) != nullptr)
+        {
+            return Usage(U8(key) + " is a secret: use 'set-secret " + U8(key) +
+                         "', which reads it from standard input");
         }
     }
     for (const tarni_wstring& pair : in_operands)
@@ -213,6 +242,94 @@ int ConfigCommandLine::Unset(QDCConfiguration& io_config, const std::vector<tarn
     {
         io_config.UnsetSetting(key);
     }
+    io_config.Save();
+    return RESULT_OK;
+}
+}  // namespace Tarni::SparkODBC
+
+namespace Tarni::SparkODBC
+{
+std::string ConfigCommandLine::Shown(const QDCConfiguration& io_config, tarni_wstring_view in_key,
+                                     tarni_wstring_view in_value) const
+{
+    if (io_config.FindCredentialBySecretKey(in_key) != nullptr ||
+        DriverSupport::DSEncryptionUtils::HasProtectedForm(in_value))
+    {
+        return "****";
+    }
+    return U8(in_value);
+}
+
+bool ConfigCommandLine::ReadSecretLine(tarni_wstring_view in_key, std::string& out_line)
+{
+    // Only the process's own standard input can be a terminal; tests hand in
+    // other streams.
+    std::optional<Platform::ConsoleEcho> echo;
+    if (&m_in == &std::cin)
+    {
+        echo.emplace();
+        if (echo->IsTerminal())
+        {
+            m_err << "Secret for " << U8(in_key) << ": " << std::flush;
+        }
+    }
+    if (!std::getline(m_in, out_line) && out_line.empty())
+    {
+        return false;
+    }
+    if (!out_line.empty() && out_line.back() == '\r')
+    {
+        out_line.pop_back();
+    }
+    return true;
+}
+
+int ConfigCommandLine::SetSecret(QDCConfiguration& io_config, const std::vector<tarni_wstring>& in_operands)
+{
+    tarni_wstring key;
+    bool allUsers = false;
+    for (size_t i = 0; i < in_operands.size(); ++i)
+    {
+        if (in_operands[i] == u"--scope")
+        {
+            const tarni_wstring scope = i + 1 < in_operands.size() ? in_operands[++i] : tarni_wstring();
+            if (scope != u"user" && scope != u"machine")
+            {
+                return Usage("--scope takes user or machine");
+            }
+            allUsers = scope == u"machine";
+        }
+        else if (key.empty() && !in_operands[i].empty() && in_operands[i][0] != u'-')
+        {
+            key = in_operands[i];
+        }
+        else
+        {
+            return Usage("set-secret takes one KEY and --scope user|machine; the secret itself comes from "
+                         "standard input");
+        }
+    }
+    if (key.empty())
+    {
+        return Usage("set-secret needs the KEY of a secret");
+    }
+    DriverSupport::DSUidPwdConfiguration* credential = io_config.FindCredentialBySecretKey(key);
+    if (credential == nullptr)
+    {
+        return Usage(U8(key) + " is not a secret; secrets are PWD, ProxyPWD, ClientPrivateKeyPWD, "
+                               "Auth_Client_Secret, Auth_AccessToken, AOSS_PWD and keyFilePassword");
+    }
+    std::string line;
+    if (!ReadSecretLine(credential->GetKeySet().Pwd(), line))
+    {
+        m_err << "tarni-spark-config: no secret on standard input\n";
+        return RESULT_FAILURE;
+    }
+    const tarni_wstring secret = StringConverter::FromUtf8(line);
+    std::fill(line.begin(), line.end(), '\0');
+    credential->SetPwd(secret);
+    credential->SetEncryptPwd(true);
+    credential->SetDPAPIEncryptForAllUsers(allUsers);
     io_config.Save();
     return RESULT_OK;
 }

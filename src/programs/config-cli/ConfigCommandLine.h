@@ -37,6 +37,11 @@ private:
     int Get(QDCConfiguration& io_config, const std::vector<tarni_wstring>& in_operands);
     int Set(QDCConfiguration& io_config, const std::vector<tarni_wstring>& in_operands);
     int Unset(QDCConfiguration& io_config, const std::vector<tarni_wstring>& in_operands);
+    int SetSecret(QDCConfiguration& io_config, const std::vector<tarni_wstring>& in_operands);
+    /// The text shown for a setting: "****" for a secret, plain or protected.
+    std::string Shown(const QDCConfiguration& io_config, tarni_wstring_view in_key, tarni_wstring_view in_value) const;
+    /// One line of standard input, without echo when it is a terminal.
+    bool ReadSecretLine(tarni_wstring_view in_key, std::string& out_line);
     int Usage(const std::string& in_problem);
     std::string Describe(const Support::ErrorException& in_error) const;
 

@@ -1,19 +1,11 @@
 #include "platform/win32/dialoghost/Win32DialogHost.h"
 
-#include <commctrl.h>
-#include <commdlg.h>
-#include <shlobj.h>
+
+
+
 
 #include <algorithm>
 #include <vector>
-
-// The host's operations carry the names of the Windows calls they stand for;
-// the A/W macros of those names would rename them in this file.
-#undef DialogBoxParam
-#undef LoadString
-#undef MessageBox
-#undef GetOpenFileName
-#undef GetSaveFileName
 
 #include "platform/dialog/DialogConstants.h"
 #include "platform/win32/dialoghost/Win32DialogWindow.h"

@@ -2,15 +2,7 @@
 // The Win32 dialog host: real modal dialogs from the templates compiled into
 // the module (DialogBoxParamW), real controls, MessageBoxW, the common file
 // boxes and the shell's folder chooser.
-#include <windows.h>
-
-// The host's operations carry the names of the Windows calls they stand for;
-// the A/W macros of those names would rename them in this file.
-#undef DialogBoxParam
-#undef LoadString
-#undef MessageBox
-#undef GetOpenFileName
-#undef GetSaveFileName
+#include "platform/win32/dialoghost/Win32Headers.h"
 
 #include <exception>
 

@@ -1,13 +1,5 @@
 #pragma once
-#include <windows.h>
-
-// The host's operations carry the names of the Windows calls they stand for;
-// the A/W macros of those names would rename them in this file.
-#undef DialogBoxParam
-#undef LoadString
-#undef MessageBox
-#undef GetOpenFileName
-#undef GetSaveFileName
+#include "platform/win32/dialoghost/Win32Headers.h"
 
 #include "platform/dialog/IDialogHost.h"
 #include "platform/dialog/IDialogWindow.h"

@@ -1,131 +1,41 @@
-// The main configuration dialog as real Win32 dialogs (run under Wine with a
-// virtual X display): the dialog runs modally on the test's thread while a
-// second thread plays the user through the messages the controls send when
-// they are used, and reads what the window shows.
-// First: it brings <windows.h> without the A/W macros that share names with the host's operations.
-#include "platform/win32/dialoghost/Win32DialogHost.h"
+// The main configuration dialog as real Win32 dialogs (under Wine on a
+// private X server): the dialog runs modally on the test's thread while a
+// second thread plays the user through window messages and reads what the
+// window shows.
+#include "platform/win32/dialoghost/GuiDriver.h"
 
 #include <gtest/gtest.h>
-
-#include <atomic>
-#include <chrono>
-#include <functional>
-#include <string>
-#include <thread>
 
 #include "dialogs/DSDialogModule.h"
 #include "dialogs/QuillConfigurationDialog.h"
 #include "driversupport/ConfigurationKeys.h"
-#include "driversupport/DSProductHelper.h"
 #include "driversupport/DSUidPwdConfiguration.h"
+#include "platform/win32/dialoghost/Win32DialogHost.h"
 #include "product/QuillConfiguration.h"
 #include "product/SOProductIdentity.h"
 #include "resource.h"
 
 using namespace Tarni;
 using namespace Tarni::SparkODBC;
+using Tarni::Testing::GuiDriver;
 namespace Keys = Tarni::DriverSupport::Keys;
 
 namespace
 {
-std::wstring W(const char16_t* in_text) { return std::wstring(reinterpret_cast<const wchar_t*>(in_text)); }
+const std::wstring DRIVER_TITLE = L"Tarni Spark ODBC Driver Configuration";
+const std::wstring DSN_TITLE = L"Tarni Spark ODBC Driver DSN Setup";
 
-// The user: finds the dialog on the test's thread and works its controls.
-class User
+std::wstring Selected(HWND in_dialog, int in_id)
 {
-public:
-    explicit User(DWORD in_dialogThread) : m_thread(in_dialogThread) {}
-
-    /// Waits for a visible dialog of the thread with the title; null after ten seconds.
-    HWND WaitForDialog(const std::wstring& in_title)
+    HWND combo = ::GetDlgItem(in_dialog, in_id);
+    const LRESULT index = ::SendMessageW(combo, CB_GETCURSEL, 0, 0);
+    wchar_t text[256] = {};
+    if (index != CB_ERR)
     {
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-        while (std::chrono::steady_clock::now() < deadline)
-        {
-            Search search{in_title, nullptr};
-            ::EnumThreadWindows(m_thread, &User::Match, reinterpret_cast<LPARAM>(&search));
-            if (search.found != nullptr)
-            {
-                return search.found;
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        }
-        return nullptr;
-    }
-
-    /// Picks an entry of a combo box as a click in its list does: the
-    /// selection changes and the dialog gets CBN_SELCHANGE.
-    static bool Select(HWND in_dialog, int in_id, const std::wstring& in_text)
-    {
-        HWND combo = ::GetDlgItem(in_dialog, in_id);
-        const LRESULT index = ::SendMessageW(combo, CB_FINDSTRINGEXACT, static_cast<WPARAM>(-1),
-                                             reinterpret_cast<LPARAM>(in_text.c_str()));
-        if (index == CB_ERR)
-        {
-            return false;
-        }
-        ::SendMessageW(combo, CB_SETCURSEL, static_cast<WPARAM>(index), 0);
-        ::SendMessageW(in_dialog, WM_COMMAND, MAKEWPARAM(in_id, CBN_SELCHANGE), reinterpret_cast<LPARAM>(combo));
-        return true;
-    }
-
-    /// Replaces the text of an edit control; the control itself notifies the dialog.
-    static void Type(HWND in_dialog, int in_id, const std::wstring& in_text)
-    {
-        ::SetWindowTextW(::GetDlgItem(in_dialog, in_id), in_text.c_str());
-    }
-
-    static std::wstring Selected(HWND in_dialog, int in_id)
-    {
-        HWND combo = ::GetDlgItem(in_dialog, in_id);
-        const LRESULT index = ::SendMessageW(combo, CB_GETCURSEL, 0, 0);
-        if (index == CB_ERR)
-        {
-            return {};
-        }
-        wchar_t text[256] = {};
         ::SendMessageW(combo, CB_GETLBTEXT, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(text));
-        return text;
     }
-
-    static std::wstring Text(HWND in_window, int in_id)
-    {
-        wchar_t text[1024] = {};
-        ::GetDlgItemTextW(in_window, in_id, text, 1024);
-        return text;
-    }
-
-    static bool Enabled(HWND in_dialog, int in_id) { return ::IsWindowEnabled(::GetDlgItem(in_dialog, in_id)) != 0; }
-
-    /// Presses a push button (posted, as the button's own click is).
-    static void Press(HWND in_window, int in_id)
-    {
-        ::PostMessageW(in_window, WM_COMMAND, MAKEWPARAM(in_id, BN_CLICKED),
-                       reinterpret_cast<LPARAM>(::GetDlgItem(in_window, in_id)));
-    }
-
-private:
-    struct Search
-    {
-        std::wstring title;
-        HWND found;
-    };
-
-    static BOOL CALLBACK Match(HWND in_window, LPARAM in_search)
-    {
-        auto* search = reinterpret_cast<Search*>(in_search);
-        wchar_t title[256] = {};
-        ::GetWindowTextW(in_window, title, 256);
-        if (::IsWindowVisible(in_window) && search->title == title)
-        {
-            search->found = in_window;
-            return FALSE;
-        }
-        return TRUE;
-    }
-
-    DWORD m_thread;
-};
+    return text;
+}
 
 class QuillConfigurationDialogWin32Test : public ::testing::Test
 {
@@ -141,65 +51,47 @@ protected:
     }
     void TearDown() override { DriverSupport::DSDialogModule::SetHost(nullptr); }
 
-    /// Runs the dialog of the template while the script plays the user on a
-    /// second thread; the script must end the dialog (it is cancelled when
-    /// the script returns without doing so). Returns the dialog's result.
-    std::intptr_t Run(unsigned in_templateId, const std::wstring& in_title,
-                      const std::function<void(User&, HWND)>& in_script)
+    /// Runs the dialog while in_user plays the user on a thread of its own; the
+    /// dialog is cancelled when in_user leaves it open.
+    std::intptr_t Run(unsigned in_templateId, const std::wstring& in_title, std::function<void(HWND)> in_user)
     {
-        const DWORD dialogThread = ::GetCurrentThreadId();
-        std::atomic<bool> found{false};
-        std::thread user([&] {
-            User player(dialogThread);
-            HWND dialog = player.WaitForDialog(in_title);
-            if (dialog == nullptr)
-            {
-                return;
-            }
-            found = true;
-            in_script(player, dialog);
-            if (::IsWindow(dialog))
-            {
-                User::Press(dialog, IDCANCEL);
-            }
-        });
-        QuillConfigurationDialog dialog(m_configuration, nullptr);
-        const std::intptr_t result = dialog.Show(nullptr, in_templateId);
-        user.join();
-        EXPECT_TRUE(found) << "the dialog never showed";
-        return result;
+        return GuiDriver::WhileModal(
+            [&] {
+                HWND dialog = GuiDriver::WaitForDialog(in_title, ::GetCurrentProcessId(), std::chrono::seconds(20));
+                ASSERT_NE(dialog, nullptr) << "the dialog never showed";
+                in_user(dialog);
+                if (::IsWindow(dialog) && ::IsWindowVisible(dialog))
+                {
+                    GuiDriver::Click(dialog, IDCANCEL);
+                }
+            },
+            [&] {
+                QuillConfigurationDialog dialog(m_configuration, nullptr);
+                return dialog.Show(nullptr, in_templateId);
+            });
     }
 
     Platform::Win32DialogHost m_host;
     QuillConfiguration m_configuration;
 };
 
-const std::wstring DRIVER_TITLE = L"Tarni Spark ODBC Driver Configuration";
-
 TEST_F(QuillConfigurationDialogWin32Test, SwitchingToDfiAndBackRestoresMechanismAndTransport)
 {
     m_configuration.SetValue(Keys::AuthMech, u"1");
     m_configuration.SetValue(Keys::ThriftTransport, u"2");
-    std::wstring inDfi[3], back[3];
+    std::wstring inDfi, back;
     bool mechanismEnabledInDfi = true;
-    const auto result = Run(IDD_DRIVER_CONFIG, DRIVER_TITLE, [&](User&, HWND d) {
-        User::Select(d, IDC_SERVER_TYPE, L"DFI");
-        inDfi[0] = User::Selected(d, IDC_AUTH_MECH);
-        inDfi[1] = User::Selected(d, IDC_THRIFT_TRANSPORT);
-        inDfi[2] = User::Selected(d, IDC_SERVICE_DISCOVERY_MODE);
-        mechanismEnabledInDfi = User::Enabled(d, IDC_AUTH_MECH);
-        User::Select(d, IDC_SERVER_TYPE, L"SparkThriftServer (Spark 1.1 and later)");
-        back[0] = User::Selected(d, IDC_AUTH_MECH);
-        back[1] = User::Selected(d, IDC_THRIFT_TRANSPORT);
-        back[2] = User::Selected(d, IDC_SERVICE_DISCOVERY_MODE);
-        User::Press(d, IDOK);
+    const auto result = Run(IDD_DRIVER_CONFIG, DRIVER_TITLE, [&](HWND d) {
+        GuiDriver::Select(d, IDC_SERVER_TYPE, L"DFI");
+        inDfi = Selected(d, IDC_AUTH_MECH) + L"/" + Selected(d, IDC_THRIFT_TRANSPORT);
+        mechanismEnabledInDfi = GuiDriver::Enabled(d, IDC_AUTH_MECH);
+        GuiDriver::Select(d, IDC_SERVER_TYPE, L"SparkThriftServer (Spark 1.1 and later)");
+        back = Selected(d, IDC_AUTH_MECH) + L"/" + Selected(d, IDC_THRIFT_TRANSPORT);
+        GuiDriver::Click(d, IDOK);
     });
-    EXPECT_EQ(inDfi[0], W(u"User Name and Password"));
-    EXPECT_EQ(inDfi[1], W(u"HTTP"));
-    EXPECT_EQ(inDfi[2], W(u"No Service Discovery"));
+    EXPECT_EQ(inDfi, L"User Name and Password/HTTP");
     EXPECT_FALSE(mechanismEnabledInDfi);
-    EXPECT_EQ(back[0], W(u"Kerberos"));
-    EXPECT_EQ(back[1], W(u"HTTP"));
+    EXPECT_EQ(back, L"Kerberos/HTTP");
     EXPECT_EQ(result, 1);
     EXPECT_EQ(m_configuration.GetValue(Keys::SparkServerType), u"3");
     EXPECT_EQ(m_configuration.GetValue(Keys::AuthMech), u"1");
@@ -208,19 +100,17 @@ TEST_F(QuillConfigurationDialogWin32Test, SwitchingToDfiAndBackRestoresMechanism
 
 TEST_F(QuillConfigurationDialogWin32Test, KerberosWithAnEmptyServiceNameDisablesOk)
 {
-    bool okBefore = false, okWithoutServiceName = true, okAgain = false, serviceNameEnabled = false;
-    const auto result = Run(IDD_DRIVER_CONFIG, DRIVER_TITLE, [&](User&, HWND d) {
-        User::Select(d, IDC_AUTH_MECH, L"Kerberos");
-        okBefore = User::Enabled(d, IDOK);
-        serviceNameEnabled = User::Enabled(d, IDC_KRB_SERVICE_NAME);
-        User::Type(d, IDC_KRB_SERVICE_NAME, L"");
-        okWithoutServiceName = User::Enabled(d, IDOK);
-        User::Type(d, IDC_KRB_SERVICE_NAME, L"hive");
-        okAgain = User::Enabled(d, IDOK);
-        User::Press(d, IDCANCEL);
+    bool okBefore = false, okWithoutServiceName = true, okAgain = false;
+    const auto result = Run(IDD_DRIVER_CONFIG, DRIVER_TITLE, [&](HWND d) {
+        GuiDriver::Select(d, IDC_AUTH_MECH, L"Kerberos");
+        okBefore = GuiDriver::Enabled(d, IDOK);
+        GuiDriver::Type(d, IDC_KRB_SERVICE_NAME, L"");
+        okWithoutServiceName = GuiDriver::Enabled(d, IDOK);
+        GuiDriver::Type(d, IDC_KRB_SERVICE_NAME, L"hive");
+        okAgain = GuiDriver::Enabled(d, IDOK);
+        GuiDriver::Click(d, IDCANCEL);
     });
     EXPECT_TRUE(okBefore);
-    EXPECT_TRUE(serviceNameEnabled);
     EXPECT_FALSE(okWithoutServiceName);
     EXPECT_TRUE(okAgain);
     EXPECT_EQ(result, 0);
@@ -231,22 +121,23 @@ TEST_F(QuillConfigurationDialogWin32Test, ADsnNameWithAnAtSignIsRefusedInAMessag
 {
     std::wstring boxText;
     bool stillOpen = false;
-    const auto result = Run(IDD_DSN_SETUP, L"Tarni Spark ODBC Driver DSN Setup", [&](User& u, HWND d) {
-        User::Type(d, IDC_DSN_NAME, L"sales@east");
-        User::Type(d, IDC_HOSTS, L"spark.example.com");
-        User::Press(d, IDOK);
-        if (HWND box = u.WaitForDialog(L"Invalid Data Source Name"))
+    const auto result = Run(IDD_DSN_SETUP, DSN_TITLE, [&](HWND d) {
+        GuiDriver::Type(d, IDC_DSN_NAME, L"sales@east");
+        GuiDriver::Type(d, IDC_HOSTS, L"spark.example.com");
+        // Posted: the box runs its own loop until it is answered.
+        ::PostMessageW(d, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED), 0);
+        if (HWND box = GuiDriver::WaitForDialog(L"Invalid Data Source Name", ::GetCurrentProcessId(),
+                                                std::chrono::seconds(20)))
         {
-            boxText = User::Text(box, 0xFFFF);  // the text of a message box
-            User::Press(box, IDOK);
+            boxText = GuiDriver::Text(box, 0xFFFF);  // the text of a message box
+            GuiDriver::Click(box, IDOK);
+            GuiDriver::WaitForClose(box);
         }
-        std::this_thread::sleep_for(std::chrono::milliseconds(100));
         stillOpen = ::IsWindowVisible(d) != 0;
-        User::Type(d, IDC_DSN_NAME, L"sales-east");
-        User::Press(d, IDOK);
+        GuiDriver::Type(d, IDC_DSN_NAME, L"sales-east");
+        GuiDriver::Click(d, IDOK);
     });
-    EXPECT_EQ(boxText,
-              W(u"Data Source Name value cannot contain any of the following characters: []{}(),;?*=!@\\"));
+    EXPECT_EQ(boxText, L"Data Source Name value cannot contain any of the following characters: []{}(),;?*=!@\\");
     EXPECT_TRUE(stillOpen);
     EXPECT_EQ(result, 1);
     EXPECT_EQ(m_configuration.GetDsnName(), u"sales-east");
