@@ -62,6 +62,7 @@ public:
     const std::optional<Support::ErrorException>& GetRecoveryError() const { return m_recoveryError; }
     unsigned GetConfigType() const { return m_configType; }
     const DSUidPwdKeySet& GetKeySet() const { return m_keys; }
+    Support::ILogger* GetLog() const { return m_logger; }
 
     const tarni_wstring& GetParentDlgName() const { return m_parentDlgName; }
     void SetParentDlgName(tarni_wstring_view in_name) { m_parentDlgName = tarni_wstring(in_name); }
