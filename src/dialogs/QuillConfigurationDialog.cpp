@@ -213,17 +213,16 @@ void QuillConfigurationDialog::SelectStoredValues()
                              m_window->ComboFindStringExact(IDC_SERVICE_DISCOVERY_MODE,
                                                             Tables::ServiceDiscoveryModeNames()[mode]));
 
+    // A stored mechanism or transport that is not a known value shows the
+    // product's default mechanism and "Binary".
     const auto mech = ParseUnsigned(m_configuration.GetValue(Keys::AuthMech));
-    if (mech && *mech < Tables::AUTH_END)
-    {
-        m_window->ComboSetCurSel(IDC_AUTH_MECH,
-                                 m_window->ComboFindStringExact(IDC_AUTH_MECH, Tables::AuthMechNames()[*mech]));
-    }
+    const unsigned shownMech = mech && *mech < Tables::AUTH_END ? *mech : SOProductSettings::GetDefaultAuthMech();
+    m_window->ComboSetCurSel(IDC_AUTH_MECH,
+                             m_window->ComboFindStringExact(IDC_AUTH_MECH, Tables::AuthMechNames()[shownMech]));
     const auto transport = ParseUnsigned(m_configuration.GetValue(Keys::ThriftTransport));
-    if (transport && *transport < Tables::TransportNames().size())
-    {
-        m_window->ComboSetCurSel(IDC_THRIFT_TRANSPORT, static_cast<int>(*transport));
-    }
+    const bool knownTransport = transport && *transport < Tables::TransportNames().size();
+    m_window->ComboSetCurSel(IDC_THRIFT_TRANSPORT,
+                             knownTransport ? static_cast<int>(*transport) : static_cast<int>(Tables::TRANSPORT_BINARY));
 }
 
 void QuillConfigurationDialog::FillTextFields()

@@ -316,7 +316,13 @@ private:
         {
             Fail("#define " + name + " must have a number, not \"" + value + "\"");
         }
-        m_script.m_symbols[name] = negative ? -number : number;
+        const long long result = negative ? -number : number;
+        const auto known = m_script.m_symbols.find(name);
+        if (known != m_script.m_symbols.end() && known->second != result)
+        {
+            Fail("#define " + name + " is defined twice with different values");
+        }
+        m_script.m_symbols[name] = result;
     }
 
     static bool ParseNumber(std::string_view in_text, long long& out_value)

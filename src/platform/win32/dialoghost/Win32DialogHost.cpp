@@ -1,9 +1,10 @@
 #include "platform/win32/dialoghost/Win32DialogHost.h"
 
-#include <commctrl.h>
-#include <commdlg.h>
-#include <shlobj.h>
 
+
+
+
+#include <algorithm>
 #include <vector>
 
 #include "platform/dialog/DialogConstants.h"

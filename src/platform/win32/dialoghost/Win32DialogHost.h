@@ -2,7 +2,7 @@
 // The Win32 dialog host: real modal dialogs from the templates compiled into
 // the module (DialogBoxParamW), real controls, MessageBoxW, the common file
 // boxes and the shell's folder chooser.
-#include <windows.h>
+#include "platform/win32/dialoghost/Win32Headers.h"
 
 #include <exception>
 

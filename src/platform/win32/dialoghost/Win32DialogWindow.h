@@ -1,5 +1,5 @@
 #pragma once
-#include <windows.h>
+#include "platform/win32/dialoghost/Win32Headers.h"
 
 #include "platform/dialog/IDialogHost.h"
 #include "platform/dialog/IDialogWindow.h"
