@@ -286,6 +286,45 @@ TEST_F(DriverConfigTerminalTest, ZooKeeperOkGreysOutWhileTheNamespaceIsEmpty)
     ExpectTerminalRestored();
 }
 
+TEST_F(DriverConfigTerminalTest, ADropDownListChoosesWithTheKeyboardAndTheDialogFollowsAtOnce)
+{
+    const std::string ini = "[Driver]\nSparkServerType=3\n";
+    Start(ini, "supported-service-discovery-modes=ZooKeeper,AOSS\n");
+    // The first drop-down has the focus; the next one is Service Discovery Mode.
+    ASSERT_EQ(LastLine(m_session->Screen()).rfind(" Space: open list", 0), 0u) << m_session->Screen();
+    for (int i = 0; i < 10; ++i)
+    {
+        m_session->Key("Tab");
+        if (LastLine(m_session->Screen()).rfind(" Space: open list", 0) == 0)
+        {
+            break;
+        }
+    }
+    auto optionsDim = [this]() {
+        return m_session->LineWith("Service Discovery Op", true).find("\x1b[2m<Service") != std::string::npos;
+    };
+    EXPECT_TRUE(optionsDim()) << m_session->LineWith("Service Discovery Op", true);
+
+    m_session->Key("Space");
+    ASSERT_TRUE(m_session->WaitForText("AOSS")) << m_session->Screen();
+    m_session->Key("Down");
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitFor([](const std::string& s) { return s.find("AOSS") == std::string::npos; }));
+    EXPECT_NE(m_session->LineWith("Service Discovery Mode:").find("[ZooKeeper"), std::string::npos);
+    EXPECT_FALSE(optionsDim()) << "CBN_SELCHANGE reached the dialog, which enabled the options";
+
+    // Escape closes the list without a choice, also after moving in it.
+    m_session->Key("Space");
+    ASSERT_TRUE(m_session->WaitForText("AOSS"));
+    m_session->Key("a");
+    m_session->Key("Escape");
+    ASSERT_TRUE(m_session->WaitFor([](const std::string& s) { return s.find("AOSS") == std::string::npos; }));
+    EXPECT_NE(m_session->LineWith("Service Discovery Mode:").find("[ZooKeeper"), std::string::npos);
+    m_session->Key("Escape");
+    EXPECT_EQ(Finish(), 0);
+    EXPECT_EQ(Ini(), ini);
+}
+
 TEST_F(DriverConfigTerminalTest, TerminatingSignalsGiveTheTerminalBack)
 {
     for (const int signal : {SIGTERM, SIGINT})
