@@ -2,6 +2,7 @@
 
 #include "dialogs/DSBaseDialog.h"
 #include "dialogs/DSDialogModule.h"
+#include "dialogs/DSMessageCatalogue.h"
 #include "dialogs/QuillConfigurationDialog.h"
 #include "driversupport/DSProductHelper.h"
 #include "driversupport/DSServerSidePropertyGroup.h"
@@ -13,25 +14,52 @@
 #include "resource.h"
 #include "support/ErrorException.h"
 #include "support/TarniSettingReader.h"
+#include "support/log/DriverLog.h"
+#include "support/messages/DSIMessageManager.h"
 
 namespace Tarni::SparkODBC
 {
 using DriverSupport::DSProductHelper;
 
-SODriverConfigRun::Options::Options() : templateId(IDD_DRIVER_CONFIG) {}
+namespace
+{
+const char* const NS = "Tarni::SparkODBC";
+const char* const CLS = "SODriverConfigRun";
+
+// The dialogs take the texts of their errors and validation boxes from the
+// message catalogue.
+void ConnectMessageCatalogue()
+{
+    DriverSupport::DSDialogModule::SetErrorTextResolver(
+        [](const Support::ErrorException& in_error) { return Support::DSIMessageManager::GetDisplayText(in_error); });
+    DriverSupport::DSMessageCatalogue::SetLookup(
+        [](int in_componentId, tarni_wstring_view in_key, const std::vector<tarni_wstring>& in_parameters) {
+            const Support::DSIMessage message = Support::DSIMessageManager::GetDefault().GetErrorMessage(
+                Support::DSIMessageManager::DEFAULT_LOCALE, in_key, in_parameters, in_componentId);
+            return message.found ? std::optional<tarni_wstring>(message.text) : std::nullopt;
+        });
+}
+
+void DisconnectMessageCatalogue()
+{
+    DriverSupport::DSMessageCatalogue::SetLookup(nullptr);
+    DriverSupport::DSDialogModule::SetErrorTextResolver(nullptr);
+    Support::DSIMessageManager::GetDefault().SetLogger(nullptr);
+}
+}  // namespace
+
+SODriverConfigRun::Options::Options()
+    : templateId(IDD_DRIVER_CONFIG),
+      createLogger([](const tarni_wstring& in_fileName) -> std::unique_ptr<Support::ILogger> {
+          // The driver's logging settings (LogLevel, LogPath, ...) come from the store.
+          return std::make_unique<Support::DriverLog>(in_fileName);
+      })
+{
+}
 
 tarni_wstring SODriverConfigRun::GetLogFileName()
 {
-    // The product's log name: the short driver name without its blanks.
-    tarni_wstring name;
-    for (const char16_t c : DSProductHelper::GetProductIdentity().shortDriverName)
-    {
-        if (c != u' ')
-        {
-            name.push_back(c);
-        }
-    }
-    return name + u"_DriverConfig" + u".log";
+    return DSProductHelper::GetLogName() + u"_DriverConfig" + u".log";
 }
 
 tarni_wstring SODriverConfigRun::GetTraceLocation()
@@ -69,20 +97,28 @@ int SODriverConfigRun::Run(Platform::IDialogHost& io_host, const Options& in_opt
     DriverSupport::DSServerSidePropertyGroup serverSideProperties;
     DriverSupport::DSPrefixedPropertyGroup httpHeaders("http.header.");
 
-    // 6. The log.
+    ConnectMessageCatalogue();
     std::unique_ptr<Support::ILogger> logger;
-    if (in_options.createLogger)
-    {
-        logger = in_options.createLogger(GetLogFileName());
-    }
-
     std::intptr_t result = 0;
     try
     {
-        // 7. The driver-wide configuration.
+        // The driver-wide store: the log reads its settings from it.
         auto store = Platform::SettingsStoreFactory::OpenDriverStore(
             DSProductHelper::GetDriverStoreLocation(in_options.iniPath));
         Support::TarniSettingReader::SetStore(store.get());
+
+        // 6. The log, and the message catalogue that turns errors into text.
+        if (in_options.createLogger)
+        {
+            logger = in_options.createLogger(GetLogFileName());
+        }
+        // The catalogue logs its own failures into the run's log, and takes its
+        // folder (ERRORMESSAGESPATH may be in the store) while the store is open.
+        Support::DSIMessageManager::GetDefault().SetLogger(logger.get());
+        Support::DSIMessageManager::GetDefault().GetSource().GetMessagesPath();
+        TARNI_LOG_ENTRY(logger.get(), NS, CLS, "Run");
+
+        // 7. The driver-wide configuration.
         QDCConfiguration configuration(serverSideProperties, httpHeaders, logger.get(), *store);
         configuration.Load();
 
@@ -105,14 +141,16 @@ int SODriverConfigRun::Run(Platform::IDialogHost& io_host, const Options& in_opt
         Support::TarniSettingReader::SetStore(nullptr);
         if (logger)
         {
-            logger->LogError("Tarni::SparkODBC", "SODriverConfigRun", "Run", e);
+            logger->LogError(NS, CLS, "Run", e);
         }
         DriverSupport::DSBaseDialog::ShowErrorExceptionMessage(nullptr, e);
+        DisconnectMessageCatalogue();
         DriverSupport::DSDialogModule::SetHost(nullptr);
         return RESULT_STORE_ERROR;
     }
 
     // 10. Tear down (the dialog and the configuration are gone), 11. the result.
+    DisconnectMessageCatalogue();
     logger.reset();
     DriverSupport::DSDialogModule::SetHost(nullptr);
     return static_cast<int>(result);

@@ -24,7 +24,8 @@ public:
         /// The INI file of the driver-wide store (Linux); empty: $SPARKINI,
         /// else the user's file.
         tarni_wstring iniPath;
-        /// Creates the run's log from its file name; null: no log.
+        /// Creates the run's log from its file name, after the store is open;
+        /// null: no log. By default a DriverLog with the driver's logging settings.
         std::function<std::unique_ptr<Support::ILogger>(const tarni_wstring& in_fileName)> createLogger;
         /// Receives the trace location (brand "\" driver name).
         std::function<void(const tarni_wstring& in_location)> setTraceLocation;
