@@ -1,0 +1,281 @@
+#include "thrift/TEUtils.h"
+
+#include <cmath>
+
+#include <boost/regex.hpp>
+#include <nlohmann/json.hpp>
+
+#include "driversupport/DSBase64.h"
+#include "thrift/TECatalogRemovalPatternCache.h"
+#include "thrift/TEException.h"
+
+namespace Tarni::ThriftExtension
+{
+using Support::ILogger;
+
+namespace
+{
+const char* const NS = "Tarni::ThriftExtension";
+const char* const CLS = "TEUtils";
+
+/// The value of an upper-case hexadecimal digit, or -1.
+int HexValue(char in_c)
+{
+    if (in_c >= '0' && in_c <= '9')
+    {
+        return in_c - '0';
+    }
+    if (in_c >= 'A' && in_c <= 'F')
+    {
+        return in_c - 'A' + 10;
+    }
+    return -1;
+}
+
+[[noreturn]] void ThrowJsonError(ILogger* in_log, const std::string& in_detail)
+{
+    if (in_log != nullptr)
+    {
+        in_log->LogError(NS, CLS, "GetTokenExpiry", "%s", in_detail.c_str());
+    }
+    throw TEException::WithText(u"JSONParseError", in_detail);
+}
+}  // namespace
+
+void TEUtils::RemoveCatalogOrTempSchemaFromQueryString(const std::string& in_name, std::string& io_query,
+                                                       bool in_removeBetweenDots, ILogger* in_log)
+{
+    TARNI_LOG_ENTRY(in_log, NS, CLS, "RemoveCatalogOrTempSchemaFromQueryString");
+    if (io_query.empty())
+    {
+        return;
+    }
+    const std::shared_ptr<const TECatalogRemovalPatterns> patterns =
+        TECatalogRemovalPatternCache::GetInstance().Get(in_name);
+    if (!patterns->MayMatch(io_query))
+    {
+        return;
+    }
+    // Pieces between single quotes alternate: outside a literal, inside, outside ...
+    std::string result;
+    result.reserve(io_query.size());
+    std::string piece;
+    bool isOutside = true;
+    size_t start = 0;
+    while (true)
+    {
+        const size_t quote = io_query.find('\'', start);
+        const size_t end = quote == std::string::npos ? io_query.size() : quote;
+        if (isOutside)
+        {
+            piece.assign(io_query, start, end - start);
+            if (patterns->MayMatch(piece))
+            {
+                patterns->Apply(piece, in_removeBetweenDots);
+            }
+            result += piece;
+        }
+        else
+        {
+            result.append(io_query, start, end - start);
+        }
+        if (quote == std::string::npos)
+        {
+            break;
+        }
+        result += '\'';
+        isOutside = !isOutside;
+        start = quote + 1;
+    }
+    io_query.swap(result);
+}
+
+void TEUtils::RemoveCatalogOrTempSchemaFromQueryStringInternal(const std::string& in_name, std::string& io_text,
+                                                               bool in_removeBetweenDots, ILogger* in_log)
+{
+    TARNI_LOG_ENTRY(in_log, NS, CLS, "RemoveCatalogOrTempSchemaFromQueryStringInternal");
+    const std::shared_ptr<const TECatalogRemovalPatterns> patterns =
+        TECatalogRemovalPatternCache::GetInstance().Get(in_name);
+    if (patterns->MayMatch(io_text))
+    {
+        patterns->Apply(io_text, in_removeBetweenDots);
+    }
+}
+
+void TEUtils::RegexReplace(const std::string& in_pattern, const std::string& in_replacement, std::string& io_text,
+                           ILogger* in_log)
+{
+    TARNI_LOG_ENTRY(in_log, NS, CLS, "RegexReplace");
+    if (io_text.empty())
+    {
+        return;
+    }
+    boost::regex pattern;
+    try
+    {
+        pattern.assign(in_pattern, boost::regex::perl);
+    }
+    catch (const boost::regex_error& e)
+    {
+        const std::string text = "The regular expression " + in_pattern + " is not valid: " + e.what();
+        if (in_log != nullptr)
+        {
+            in_log->LogError(NS, CLS, "RegexReplace", "%s", text.c_str());
+        }
+        throw TEException::WithText(u"TERegexError", text);
+    }
+    io_text = boost::regex_replace(io_text, pattern, in_replacement, boost::match_default | boost::regex_constants::format_literal);
+}
+
+std::string TEUtils::DeriveKerberosHostFQDN(const std::string& in_host, const std::string& in_hostFQDN,
+                                            ILogger* in_log)
+{
+    if (in_log == nullptr)
+    {
+        return in_hostFQDN;
+    }
+    in_log->LogFunctionEntrance(NS, CLS, "DeriveKerberosHostFQDN");
+    if (in_hostFQDN == "_HOST")
+    {
+        in_log->LogInfo(NS, CLS, "DeriveKerberosHostFQDN",
+                        "Special value _HOST specified for Host FQDN configuration. Using %s for Host FQDN instead.",
+                        in_host.c_str());
+        return in_host;
+    }
+    return in_hostFQDN;
+}
+
+std::string TEUtils::UrlDecode(const std::string& in_url, ILogger* in_log, bool in_maskInLog)
+{
+    TARNI_LOG_ENTRY(in_log, NS, CLS, "UrlDecode");
+    const bool logErrors = in_log != nullptr && in_log->IsEnabled(Support::LOG_ERROR);
+    if (in_url.empty())
+    {
+        if (logErrors)
+        {
+            in_log->LogError(NS, CLS, "UrlDecode", "The url is empty");
+        }
+        return {};
+    }
+    const char* const shown = in_maskInLog ? "***" : in_url.c_str();
+    std::string decoded;
+    decoded.reserve(in_url.size());
+    for (size_t i = 0; i < in_url.size(); ++i)
+    {
+        const char c = in_url[i];
+        if (c == '+')
+        {
+            decoded += ' ';
+            continue;
+        }
+        if (c != '%')
+        {
+            decoded += c;
+            continue;
+        }
+        if (i + 2 >= in_url.size())
+        {
+            if (logErrors)
+            {
+                in_log->LogError(NS, CLS, "UrlDecode",
+                                 "Invalid %% found at position %d in url: %s. '%%' must be followed by two "
+                                 "hexadecimal characters (0-9, A-F). It will not be decoded.",
+                                 static_cast<int>(i), shown);
+            }
+            decoded += c;
+            continue;
+        }
+        const int high = HexValue(in_url[i + 1]);
+        const int low = HexValue(in_url[i + 2]);
+        if (high < 0 || low < 0)
+        {
+            if (logErrors)
+            {
+                const std::string sequence = in_url.substr(i, 3);
+                in_log->LogError(NS, CLS, "UrlDecode",
+                                 "Invalid characters %s found at position %d in url: %s. '%%' must be followed by two "
+                                 "hexadecimal characters (0-9, A-F). It will not be decoded.",
+                                 sequence.c_str(), static_cast<int>(i), shown);
+            }
+            // The two characters are then read as ordinary characters.
+            decoded += c;
+            continue;
+        }
+        decoded += static_cast<char>(high * 16 + low);
+        i += 2;
+    }
+    // The decoded text is used as a C string: it ends at an encoded zero byte.
+    const size_t zero = decoded.find('\0');
+    if (zero != std::string::npos)
+    {
+        decoded.resize(zero);
+    }
+    return decoded;
+}
+
+std::uint64_t TEUtils::GetTokenExpiry(const std::string& in_token, ILogger* in_log)
+{
+    TARNI_LOG_ENTRY(in_log, NS, CLS, "GetTokenExpiry");
+    // header.payload.signature: the payload is the second part.
+    std::string payload;
+    if (const size_t first = in_token.find('.'); first != std::string::npos)
+    {
+        const size_t second = in_token.find('.', first + 1);
+        payload = in_token.substr(first + 1, second == std::string::npos ? std::string::npos : second - first - 1);
+    }
+    const std::string json = DriverSupport::DSBase64::Decode(payload);
+
+    nlohmann::json document;
+    try
+    {
+        document = nlohmann::json::parse(json);
+    }
+    catch (const nlohmann::json::exception& e)
+    {
+        ThrowJsonError(in_log, e.what());
+    }
+    if (!document.is_object())
+    {
+        ThrowJsonError(in_log, "The payload of the token is not a JSON object.");
+    }
+    const auto exp = document.find("exp");
+    if (exp == document.end())
+    {
+        ThrowJsonError(in_log, "The payload of the token has no \"exp\" member.");
+    }
+    if (exp->is_number_unsigned())
+    {
+        return exp->get<std::uint64_t>();
+    }
+    // A NumericDate may carry a fraction of a second.
+    if (exp->is_number_float())
+    {
+        const double seconds = exp->get<double>();
+        if (std::isfinite(seconds) && seconds >= 0 && seconds < 18446744073709551616.0)
+        {
+            return static_cast<std::uint64_t>(seconds);
+        }
+    }
+    ThrowJsonError(in_log, "The \"exp\" member of the token's payload is not an unsigned number: " + exp->dump() + ".");
+}
+
+void TEUtils::TranslateTransportErrorText(std::string_view in_text, bool in_isSasl)
+{
+    const tarni_wstring parameter = TEException::ToParameter(std::string(in_text));
+    if (in_text.find("SSL_read:") != std::string_view::npos)
+    {
+        throw TEException(in_isSasl ? u"TESASLClientToNOSASLServer" : u"TENOSASLClientToSASLServer", {parameter});
+    }
+    if (in_text.find("SSL_connect: errno =") != std::string_view::npos ||
+        in_text.find("SSL_connect: error code:") != std::string_view::npos ||
+        in_text == "SSL_connect: Resource temporarily unavailable")
+    {
+        throw TEException(u"TESSLCxnToNonSSLServerError", {parameter});
+    }
+}
+
+TEUtils::SecretKeyNames TEUtils::GetKeyFilePasswordKey()
+{
+    return SecretKeyNames{u"keyFilePassword", u"EncryptedKeyFilePassword"};
+}
+}  // namespace Tarni::ThriftExtension
