@@ -105,25 +105,57 @@ TEST(TECatalogRemovalTest, NameIsAPatternNotALiteral)
 TEST(TECatalogRemovalTest, MatchesTheCompileEveryCallFormOnAGeneratedCorpus)
 {
     std::mt19937 random(20240611);
-    const std::vector<std::string> names = {"tmp", "global_temp", "SPARK", "t.p", "a b", "x+"};
-    const std::vector<std::string> tokens = {
-        "select", "from", "where", "tmp", "TMP", "tmpx", "xtmp", "global_temp", "SPARK", "spark", "t", "tap", "a b",
-        "xx", "`", "\"", "[", "]", "(", ")", ".", ".", ".", "'", "'", " ", " ", " ", "\t", "\n", ",", "*", "=", "1"};
-    std::uniform_int_distribution<size_t> pickToken(0, tokens.size() - 1);
-    std::uniform_int_distribution<size_t> pickName(0, names.size() - 1);
-    std::uniform_int_distribution<int> pickLength(0, 60);
-    for (int i = 0; i < 3000; ++i)
+    // Plain names (tried only near their occurrences), overlapping ones and
+    // names with pattern characters (searched through the whole text).
+    const std::vector<std::string> names = {"tmp", "global_temp", "SPARK", "aa", "", "a a", "t.p", "a b", "x+"};
+    const std::vector<std::string> words = {"tmp", "TMP", "tmpx", "xtmp", "global_temp", "SPARK", "t", "tap",
+                                            "a b", "a", "aa", "aaa", "a a", "xx", "ttt", ""};
+    const std::vector<std::string> leads = {" ", "\t", "\n", "(", ".", "x", "", "'", "((", ". "};
+    const std::vector<std::pair<std::string, std::string>> quotes = {
+        {"", ""}, {"`", "`"}, {"\"", "\""}, {"[", "]"}, {"`", "\""}, {"[", ""}, {"", "]"}, {"'", "'"}};
+    const std::vector<std::string> tails = {".", ".", ".t", "", " ", "..", ".'", "x"};
+    const std::vector<std::string> tokens = {"select ", "from", " where ", "*", ",", "'", "(", ")", "=", "1", "\n"};
+    const auto pick = [&](const auto& in_list) -> const auto& {
+        return in_list[std::uniform_int_distribution<size_t>(0, in_list.size() - 1)(random)];
+    };
+    for (int i = 0; i < 6000; ++i)
     {
         std::string query;
-        for (int n = pickLength(random); n > 0; --n)
+        for (int n = std::uniform_int_distribution<int>(0, 25)(random); n > 0; --n)
         {
-            query += tokens[pickToken(random)];
+            if (random() % 2 == 0)
+            {
+                query += pick(tokens);
+                continue;
+            }
+            // A qualifier-like fragment: lead-in, a quoted word, a tail.
+            const auto& [open, close] = pick(quotes);
+            query += pick(leads) + open + pick(words) + close + pick(tails);
         }
-        const std::string& name = names[pickName(random)];
+        const std::string& name = pick(names);
         const bool betweenDots = (i % 2) == 0;
         ASSERT_EQ(Remove(name, query, betweenDots), ReferenceRemove(name, query, betweenDots))
             << "name " << name << " query [" << query << "]";
     }
+}
+
+TEST(TECatalogRemovalTest, OverlappingAndAdjacentOccurrences)
+{
+    // Occurrences of the name that overlap or touch, where the lead-in of one
+    // match lies inside another occurrence.
+    const std::vector<std::pair<std::string, std::string>> cases = {
+        {"a a", "select a a a.x"}, {"a a", "select\ta a a a.x a a.y"}, {"aa", "select aaa.x (aa.y"},
+        {"tmp", "from tmp.tmp.tmp.t"}, {"tmp", "x.`tmp`.\"tmp\".[tmp].t"}, {"", "select .x (.y ..z"},
+        {" ", "a  .b"}};
+    for (const auto& [name, query] : cases)
+    {
+        for (const bool betweenDots : {false, true})
+        {
+            EXPECT_EQ(Remove(name, query, betweenDots), ReferenceRemove(name, query, betweenDots))
+                << "name [" << name << "] query [" << query << "]";
+        }
+    }
+    EXPECT_EQ(Remove("a a", "select a a a.x", false), "select a x");
 }
 
 TEST(TECatalogRemovalTest, CacheIsBoundedAndSharesCompiledPatterns)
