@@ -23,7 +23,6 @@ namespace
 const char* const NS = "Tarni::ThriftExtension";
 const char* const CLS = "TEConnectionUtils";
 
-const char* const DEFAULT_RETRIABLE_STATUS_RANGES = "400+402+404-406+408-599";
 const char* const THRIFT_TOKEN = "Thrift/0.9.0";
 const char* const THRIFT_CLIENT_COMMENT = " (C++/THttpClient)";
 const char* const OCI_HOST_PREFIX = "dataflowclusters.";
