@@ -154,8 +154,11 @@ void IniDocument::SetValue(tarni_wstring_view in_section, tarni_wstring_view in_
     const std::string value = StringConverter::ToUtf8(in_value);
 
     bool found = false;
-    size_t insertAfter = m_lines.size();  // after the section's last entry (or its header)
+    // A new entry goes after the section's last entry; in a section without
+    // entries, after its header and the comments that follow it.
+    size_t insertAfter = m_lines.size();
     bool sectionSeen = false;
+    bool entrySeen = false;
     for (size_t i = 0; i < m_lines.size(); ++i)
     {
         Line& line = m_lines[i];
@@ -178,6 +181,11 @@ void IniDocument::SetValue(tarni_wstring_view in_section, tarni_wstring_view in_
                 line.text = line.text.substr(0, line.text.find('=') + 1) + value;
                 found = true;
             }
+            insertAfter = i;
+            entrySeen = true;
+        }
+        else if (line.kind == Kind::Comment && sectionSeen && !entrySeen)
+        {
             insertAfter = i;
         }
     }

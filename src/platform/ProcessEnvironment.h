@@ -1,5 +1,6 @@
 #pragma once
 #include <optional>
+#include <vector>
 
 #include "support/TarniString.h"
 
@@ -18,5 +19,14 @@ public:
     static tarni_wstring GetHomeDirectory();
     /// The path separator of the platform.
     static char16_t PathSeparator();
+    /// The program's arguments (without the program name), as UTF-16. On
+    /// Windows they come from the wide command line; elsewhere from argv,
+    /// whose bytes must be UTF-8 (else SupportException "InvalidUtf8Err").
+    static std::vector<tarni_wstring> GetArguments(int in_argc, char** in_argv);
+    /// Makes the console show UTF-8 output (Windows code page; nothing elsewhere).
+    static void PrepareConsole();
+    /// True where the driver-wide store is an INI file (Linux), false where it
+    /// is the registry (Windows).
+    static bool UsesIniStore();
 };
 }  // namespace Tarni::Platform

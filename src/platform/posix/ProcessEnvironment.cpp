@@ -53,3 +53,23 @@ char16_t ProcessEnvironment::PathSeparator()
     return u'/';
 }
 }  // namespace Tarni::Platform
+
+namespace Tarni::Platform
+{
+std::vector<tarni_wstring> ProcessEnvironment::GetArguments(int in_argc, char** in_argv)
+{
+    std::vector<tarni_wstring> arguments;
+    for (int i = 1; i < in_argc; ++i)
+    {
+        arguments.push_back(Support::StringConverter::FromUtf8(in_argv[i]));
+    }
+    return arguments;
+}
+
+void ProcessEnvironment::PrepareConsole() {}
+
+bool ProcessEnvironment::UsesIniStore()
+{
+    return true;
+}
+}  // namespace Tarni::Platform

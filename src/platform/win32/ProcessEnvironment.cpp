@@ -44,3 +44,35 @@ char16_t ProcessEnvironment::PathSeparator()
     return u'\\';
 }
 }  // namespace Tarni::Platform
+
+#include <shellapi.h>
+
+namespace Tarni::Platform
+{
+std::vector<tarni_wstring> ProcessEnvironment::GetArguments(int, char**)
+{
+    std::vector<tarni_wstring> arguments;
+    int count = 0;
+    wchar_t** list = CommandLineToArgvW(GetCommandLineW(), &count);
+    if (list == nullptr)
+    {
+        return arguments;
+    }
+    for (int i = 1; i < count; ++i)
+    {
+        arguments.emplace_back(reinterpret_cast<const char16_t*>(list[i]));
+    }
+    LocalFree(list);
+    return arguments;
+}
+
+void ProcessEnvironment::PrepareConsole()
+{
+    SetConsoleOutputCP(CP_UTF8);
+}
+
+bool ProcessEnvironment::UsesIniStore()
+{
+    return false;
+}
+}  // namespace Tarni::Platform

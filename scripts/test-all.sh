@@ -1,0 +1,28 @@
+#!/usr/bin/env bash
+# Runs every test from a fresh Debian machine: installs what is missing, then
+# the Linux build and its tests, then the Windows cross build with its tests
+# under Wine. Prints each test runner's summary; fails if either suite fails.
+set -uo pipefail
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+cd "$here"
+jobs=${TARNI_JOBS:-2}
+
+bash scripts/install-deps.sh || exit 1
+
+status=0
+echo "=== Linux: build and test ==="
+if cmake --preset linux >/dev/null && cmake --build --preset linux -j "$jobs"; then
+  ctest --preset linux -j "$jobs" || status=1
+else
+  echo "Linux build failed"; status=1
+fi
+
+echo "=== Windows (mingw-w64) under Wine: build and test ==="
+if bash scripts/build-expat-mingw.sh && cmake --preset mingw >/dev/null && cmake --build --preset mingw -j "$jobs"; then
+  # One Wine server for the whole run; tests then start quickly.
+  bash scripts/wine-run.sh cmd /c exit >/dev/null 2>&1 || true
+  ctest --preset mingw -j "$jobs" || status=1
+else
+  echo "Windows build failed"; status=1
+fi
+exit $status

@@ -1,0 +1,186 @@
+#include "driversupport/DSDSNConfiguration.h"
+
+#include <cstdint>
+
+#include "driversupport/ConfigurationKeys.h"
+#include "driversupport/DSProductHelper.h"
+#include "support/ErrorException.h"
+#include "support/NumberConverter.h"
+#include "support/TarniSettingReader.h"
+
+namespace Tarni::DriverSupport
+{
+using Support::StringConverter;
+
+namespace
+{
+const char* const NS = "Tarni::DriverSupport";
+const char* const CLS = "DSDSNConfiguration";
+
+const tarni_wstring_view PLAIN_SECRET_KEYS[] = {
+    Keys::PWD, Keys::ProxyPWD, Keys::ClientPrivateKeyPWD, Keys::Auth_Client_Secret, Keys::Auth_AccessToken,
+    Keys::keyFilePassword, u"AOSS_PWD"};
+}  // namespace
+
+DSDSNConfiguration::DSDSNConfiguration(tarni_wstring in_dsnName, unsigned in_configType,
+                                       Support::ILogger* in_logger)
+    : m_dsnName(std::move(in_dsnName)), m_configType(in_configType), m_logger(in_logger)
+{
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "DSDSNConfiguration");
+    m_credentials = std::make_unique<DSUidPwdConfiguration>(
+        m_map, in_logger, in_configType,
+        DSUidPwdKeySet{tarni_wstring(Keys::UID), tarni_wstring(Keys::PWD), tarni_wstring(Keys::EncryptedPWD), u""});
+    // The driver's own SSL settings: the two-way variant, with the minimum TLS version shown.
+    m_ssl = std::make_unique<DSSSLConfiguration>(m_map, in_logger, in_configType,
+                                                 DSSSLKeySetDescriptor{u"", true, false, false}, true);
+    m_proxy = std::make_unique<DSProxyConfiguration>(m_map, in_logger, in_configType);
+}
+
+void DSDSNConfiguration::AddComponent(std::unique_ptr<DSConfigurationComponent> in_component)
+{
+    m_furtherComponents.push_back(std::move(in_component));
+}
+
+std::vector<DSConfigurationComponent*> DSDSNConfiguration::Components() const
+{
+    std::vector<DSConfigurationComponent*> components{m_credentials.get(), m_ssl.get(), m_proxy.get()};
+    for (const auto& component : m_furtherComponents)
+    {
+        components.push_back(component.get());
+    }
+    return components;
+}
+
+std::vector<DSUidPwdConfiguration*> DSDSNConfiguration::GetCredentialComponents() const
+{
+    std::vector<DSUidPwdConfiguration*> credentials{m_credentials.get(), &m_ssl->GetClientKeyCredentials(),
+                                                    m_proxy.get()};
+    for (const auto& component : m_furtherComponents)
+    {
+        if (auto* credential = dynamic_cast<DSUidPwdConfiguration*>(component.get()))
+        {
+            credentials.push_back(credential);
+        }
+    }
+    return credentials;
+}
+
+DSUidPwdConfiguration* DSDSNConfiguration::FindCredentialBySecretKey(tarni_wstring_view in_key) const
+{
+    for (DSUidPwdConfiguration* credential : GetCredentialComponents())
+    {
+        if (StringConverter::EqualsIgnoreCase(in_key, credential->GetKeySet().Pwd()) ||
+            StringConverter::EqualsIgnoreCase(in_key, credential->GetKeySet().EncryptedPwd()))
+        {
+            return credential;
+        }
+    }
+    return nullptr;
+}
+
+ConfigurationMap DSDSNConfiguration::GetDefaultDriverProperties() const
+{
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "GetDefaultDriverProperties");
+    ConfigurationMap defaults;
+    for (DSConfigurationComponent* component : Components())
+    {
+        component->GetDefaultDriverProperties(defaults);
+    }
+    return defaults;
+}
+
+bool DSDSNConfiguration::IsNeverStoredKey(tarni_wstring_view in_key) const
+{
+    for (const tarni_wstring_view secret : PLAIN_SECRET_KEYS)
+    {
+        if (StringConverter::EqualsIgnoreCase(in_key, secret))
+        {
+            return true;
+        }
+    }
+    return false;
+}
+
+void DSDSNConfiguration::LoadDefaults()
+{
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "LoadDefaults");
+    m_map.clear();
+    m_map.SetValue(Keys::Driver, DSProductHelper::GetDriverName());
+    for (const auto& [key, defaultValue] : GetDefaultDriverProperties())
+    {
+        const auto stored = AcceptsStoredKey(key) ? Support::TarniSettingReader::Read(key) : std::nullopt;
+        m_map.SetValue(key, (stored && !stored->empty()) ? *stored : defaultValue);
+    }
+}
+
+void DSDSNConfiguration::Load(const ConfigurationMap& in_values)
+{
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "Load");
+    LoadDefaults();
+    for (const auto& [key, value] : in_values)
+    {
+        m_map.SetValue(key, value);
+    }
+}
+
+void DSDSNConfiguration::InitializeComponentsAfterLoad()
+{
+    for (DSConfigurationComponent* component : Components())
+    {
+        component->InitializeAfterLoad();
+    }
+}
+
+void DSDSNConfiguration::FinalizeComponentsBeforeSave()
+{
+    for (DSConfigurationComponent* component : Components())
+    {
+        component->FinalizeBeforeSave();
+    }
+}
+
+tarni_wstring DSDSNConfiguration::LogFileSizeToStored(tarni_wstring_view in_megabytes)
+{
+    const auto megabytes = in_megabytes.empty() ? std::optional<unsigned long long>(0)
+                                                : Support::NumberConverter::ToUInt64(in_megabytes);
+    if (!megabytes)
+    {
+        throw Support::ErrorException(Support::DiagState::GeneralError, Support::DS_ERROR, u"DSLogFileSizeErr",
+                                      {tarni_wstring(in_megabytes)});
+    }
+    const auto bytes = static_cast<std::uint32_t>(*megabytes << 20);
+    return StringConverter::FromNumber(static_cast<unsigned long long>(bytes));
+}
+
+tarni_wstring DSDSNConfiguration::LogFileSizeFromStored(tarni_wstring_view in_bytes)
+{
+    const auto bytes = Support::NumberConverter::ToUInt64(in_bytes);
+    return bytes ? StringConverter::FromNumber(*bytes >> 20) : tarni_wstring();
+}
+
+void DSDSNConfiguration::LoadLoggingProperties(const std::vector<Platform::StoredValue>& in_stored)
+{
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "LoadLoggingProperties");
+    for (const auto& stored : in_stored)
+    {
+        for (const tarni_wstring_view key : {Keys::LogLevel, Keys::LogPath, Keys::LogFileCount, Keys::LogFileSize})
+        {
+            if (StringConverter::EqualsIgnoreCase(stored.name, key))
+            {
+                m_map.SetValue(key, key == Keys::LogFileSize ? LogFileSizeFromStored(stored.value) : stored.value);
+            }
+        }
+    }
+}
+
+void DSDSNConfiguration::SaveLoggingProperties(Platform::ISettingsStore& io_store) const
+{
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "SaveLoggingProperties");
+    // Convert first, so a bad size stops the save before anything of this step is written.
+    const tarni_wstring size = LogFileSizeToStored(m_map.GetValue(Keys::LogFileSize));
+    io_store.WriteValue(Keys::LogLevel, m_map.GetValue(Keys::LogLevel));
+    io_store.WriteValue(Keys::LogPath, m_map.GetValue(Keys::LogPath));
+    io_store.WriteValue(Keys::LogFileCount, m_map.GetValue(Keys::LogFileCount));
+    io_store.WriteValue(Keys::LogFileSize, size);
+}
+}  // namespace Tarni::DriverSupport

@@ -1,0 +1,191 @@
+#include "product/QDCConfiguration.h"
+
+#include "driversupport/ConfigurationKeys.h"
+#include "driversupport/DSProductHelper.h"
+#include "driversupport/ProductSettingKeys.h"
+#include "support/ErrorException.h"
+#include "support/StringConverter.h"
+#include "support/TarniSettingReader.h"
+
+namespace Tarni::SparkODBC
+{
+namespace Keys = DriverSupport::Keys;
+using Support::StringConverter;
+
+namespace
+{
+const char* const NS = "Tarni::SparkODBC";
+const char* const CLS = "QDCConfiguration";
+
+const tarni_wstring_view NOT_DRIVER_WIDE[] = {Keys::LogLevel, Keys::LogPath, Keys::LogFileCount, Keys::LogFileSize,
+                                              Keys::Driver,   Keys::DSN,     Keys::DESCRIPTION,  Keys::Host,
+                                              Keys::Port,     Keys::Schema};
+}  // namespace
+
+QDCConfiguration::QDCConfiguration(DriverSupport::DSServerSidePropertyGroup& io_serverSideProperties,
+                                   DriverSupport::DSPrefixedPropertyGroup& io_httpHeaders,
+                                   Support::ILogger* in_logger, Platform::ISettingsStore& io_store)
+    : QuillConfiguration(u"", 2, in_logger),
+      m_serverSideProperties(io_serverSideProperties),
+      m_httpHeaders(io_httpHeaders),
+      m_store(io_store)
+{
+    TARNI_LOG_ENTRY(in_logger, NS, CLS, "QDCConfiguration");
+}
+
+bool QDCConfiguration::IsDriverWideKey(tarni_wstring_view in_key) const
+{
+    for (const tarni_wstring_view excluded : NOT_DRIVER_WIDE)
+    {
+        if (StringConverter::EqualsIgnoreCase(in_key, excluded))
+        {
+            return false;
+        }
+    }
+    return !IsNeverStoredKey(in_key);
+}
+
+void QDCConfiguration::Load()
+{
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "Load");
+    LoadDefaults();
+    const auto stored = Support::TarniSettingReader::ReadAll();
+    for (const auto& value : stored)
+    {
+        if (IsDriverWideKey(value.name))
+        {
+            m_map.SetValue(value.name, value.value);
+        }
+    }
+    m_serverSideProperties.Load(stored);
+    m_httpHeaders.Load(stored);
+    LoadLoggingProperties(stored);
+    InitializeComponentsAfterLoad();
+}
+
+void QDCConfiguration::Save()
+{
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "Save");
+    const bool suppressServiceDiscovery =
+        DriverSupport::DSProductHelper::IsSettingOne(DriverSupport::ProductSettingKeys::SupressServiceDiscovery);
+    // What the store holds now, to find secrets that must leave it.
+    const std::vector<Platform::StoredValue> present = m_store.ReadAll();
+    m_store.BeginUpdate();
+    try
+    {
+        FinalizeComponentsBeforeSave();
+        for (const auto& [key, value] : m_map)
+        {
+            if (suppressServiceDiscovery && (StringConverter::EqualsIgnoreCase(key, Keys::ServiceDiscoveryMode) ||
+                                             StringConverter::EqualsIgnoreCase(key, Keys::ZKNamespace)))
+            {
+                continue;
+            }
+            if (IsDriverWideKey(key))
+            {
+                m_store.WriteValue(key, value);
+            }
+        }
+        DeleteSecretsNoLongerKept(present);
+        SaveLoggingProperties(m_store);
+        m_serverSideProperties.Save(m_store);
+        m_httpHeaders.Save(m_store);
+        for (const tarni_wstring& key : m_keysToDelete)
+        {
+            m_store.DeleteValue(key);
+        }
+        m_store.CommitUpdate();
+        m_keysToDelete.clear();
+    }
+    catch (const Support::ErrorException& e)
+    {
+        m_store.AbortUpdate();
+        if (m_logger != nullptr)
+        {
+            m_logger->LogError(NS, CLS, "Save", e);
+        }
+        throw;
+    }
+    catch (...)
+    {
+        m_store.AbortUpdate();
+        throw;
+    }
+}
+
+void QDCConfiguration::DeleteSecretsNoLongerKept(const std::vector<Platform::StoredValue>& in_present)
+{
+    // A protected password that the credential no longer keeps (the user
+    // chose no encryption, or removed the password) is absent from the map
+    // after finalising; unlike an ordinary key it must leave the store too.
+    // A plain password found in the store (written by hand) goes as well:
+    // after a save no secret is stored in plain text.
+    for (const DriverSupport::DSUidPwdConfiguration* credential : GetCredentialComponents())
+    {
+        for (const tarni_wstring& key : {credential->GetKeySet().EncryptedPwd(), credential->GetKeySet().Pwd()})
+        {
+            if (m_map.Contains(key) && IsDriverWideKey(key))
+            {
+                continue;
+            }
+            for (const Platform::StoredValue& stored : in_present)
+            {
+                if (StringConverter::EqualsIgnoreCase(stored.name, key))
+                {
+                    m_store.DeleteValue(stored.name);
+                }
+            }
+        }
+    }
+}
+
+DriverSupport::DSPrefixedPropertyGroup* QDCConfiguration::GroupOf(tarni_wstring_view in_key)
+{
+    if (m_serverSideProperties.IsGroupKey(in_key))
+    {
+        return &m_serverSideProperties;
+    }
+    if (m_httpHeaders.IsGroupKey(in_key))
+    {
+        return &m_httpHeaders;
+    }
+    return nullptr;
+}
+
+void QDCConfiguration::SetSetting(tarni_wstring_view in_key, tarni_wstring_view in_value)
+{
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "SetSetting");
+    if (auto* group = GroupOf(in_key))
+    {
+        group->GetProperties().SetValue(in_key.substr(group->GetPrefix().size()), in_value);
+    }
+    else if (StringConverter::EqualsIgnoreCase(in_key, Keys::LCaseSspKeyName))
+    {
+        m_serverSideProperties.SetLCaseSspKeyName(in_value);
+    }
+    else if (StringConverter::EqualsIgnoreCase(in_key, Keys::ApplySSPWithQueries))
+    {
+        m_serverSideProperties.SetApplySSPWithQueries(in_value);
+    }
+    m_map.SetValue(in_key, in_value);
+}
+
+void QDCConfiguration::UnsetSetting(tarni_wstring_view in_key)
+{
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "UnsetSetting");
+    if (auto* group = GroupOf(in_key))
+    {
+        group->GetProperties().Remove(in_key.substr(group->GetPrefix().size()));
+        m_map.Remove(in_key);
+        return;
+    }
+    const auto defaults = GetDefaultDriverProperties();
+    if (const auto it = defaults.find(in_key); it != defaults.end())
+    {
+        SetSetting(it->first, it->second);
+        return;
+    }
+    m_map.Remove(in_key);
+    m_keysToDelete.emplace_back(in_key);
+}
+}  // namespace Tarni::SparkODBC

@@ -1,0 +1,59 @@
+#pragma once
+// The driver-wide configuration of this tool: a QuillConfiguration without a
+// data source name (mode 2) that loads the values stored under the driver key
+// over the defaults and writes the map back on save, together with the two
+// prefixed property groups ("SSP_" and "http.header.").
+#include <vector>
+
+#include "driversupport/DSServerSidePropertyGroup.h"
+#include "product/QuillConfiguration.h"
+
+namespace Tarni::SparkODBC
+{
+class QDCConfiguration : public QuillConfiguration
+{
+public:
+    QDCConfiguration(DriverSupport::DSServerSidePropertyGroup& io_serverSideProperties,
+                     DriverSupport::DSPrefixedPropertyGroup& io_httpHeaders, Support::ILogger* in_logger,
+                     Platform::ISettingsStore& io_store);
+
+    /// Defaults, then the stored driver-wide values, then the groups, the
+    /// logging properties and the components' post-load step.
+    void Load();
+
+    /// Finalises the components (secrets are protected here), writes every
+    /// driver-wide key of the map, the logging properties and the groups. On
+    /// stores that can, the whole save is applied at once or not at all.
+    void Save();
+
+    /// False for the logging keys (written by their own step), the six
+    /// data-source keys "Driver", "DSN", "DESCRIPTION", "Host", "Port",
+    /// "Schema", and the keys that are never stored.
+    bool IsDriverWideKey(tarni_wstring_view in_key) const;
+
+    DriverSupport::DSServerSidePropertyGroup& GetServerSideProperties() { return m_serverSideProperties; }
+    DriverSupport::DSPrefixedPropertyGroup& GetHttpHeaders() { return m_httpHeaders; }
+    Platform::ISettingsStore& GetStore() { return m_store; }
+
+    /// Sets one setting, keeping the map and the groups in step: a prefixed
+    /// key goes into its group, and the server-side switches into theirs.
+    void SetSetting(tarni_wstring_view in_key, tarni_wstring_view in_value);
+
+    /// Removes one setting: a prefixed key leaves its group (so the save
+    /// deletes it); an ordinary key returns to its default, and a key without
+    /// a default is deleted from the store by the next save.
+    void UnsetSetting(tarni_wstring_view in_key);
+
+protected:
+    bool AcceptsStoredKey(tarni_wstring_view in_key) const override { return IsDriverWideKey(in_key); }
+
+private:
+    DriverSupport::DSPrefixedPropertyGroup* GroupOf(tarni_wstring_view in_key);
+    void DeleteSecretsNoLongerKept(const std::vector<Platform::StoredValue>& in_present);
+
+    DriverSupport::DSServerSidePropertyGroup& m_serverSideProperties;
+    DriverSupport::DSPrefixedPropertyGroup& m_httpHeaders;
+    Platform::ISettingsStore& m_store;
+    std::vector<tarni_wstring> m_keysToDelete;
+};
+}  // namespace Tarni::SparkODBC

@@ -1,0 +1,41 @@
+#pragma once
+#include "driversupport/DSDSNConfiguration.h"
+
+namespace Tarni::SparkODBC
+{
+/// The product's configuration: a data-source configuration with the Spark
+/// driver's keys and defaults.
+class QuillConfiguration : public DriverSupport::DSDSNConfiguration
+{
+public:
+    QuillConfiguration(tarni_wstring in_dsnName, unsigned in_configType, Support::ILogger* in_logger);
+
+    /// The driver's defaults in their fixed order, then those of the
+    /// credential, SSL and proxy components and the further components.
+    DriverSupport::ConfigurationMap GetDefaultDriverProperties() const override;
+
+    /// The default properties as an ordered list (the order they are built
+    /// in), for documentation and tests of that order.
+    static std::vector<std::pair<tarni_wstring, tarni_wstring>> GetOrderedDriverDefaults();
+
+    /// Credentials of the further components, each saved only in protected
+    /// form: the AOSS status endpoint ("AOSS_UID", "AOSS_PWD" /
+    /// "AOSS_EncryptedPWD"), the OAuth client secret ("Auth_Client_Secret" /
+    /// "Auth_Encrypted_Client_Secret") and access token ("Auth_AccessToken" /
+    /// "Auth_Encrypted_Access_Token"), and the DFI key file password
+    /// ("keyFilePassword" / "EncryptedKeyFilePassword").
+    DriverSupport::DSUidPwdConfiguration& GetAOSSCredentials() { return *m_aossCredentials; }
+    DriverSupport::DSUidPwdConfiguration& GetOAuthClientSecret() { return *m_oauthClientSecret; }
+    DriverSupport::DSUidPwdConfiguration& GetOAuthAccessToken() { return *m_oauthAccessToken; }
+    DriverSupport::DSUidPwdConfiguration& GetDFIKeyFilePassword() { return *m_dfiKeyFilePassword; }
+
+private:
+    DriverSupport::DSUidPwdConfiguration* AddCredential(DriverSupport::DSUidPwdKeySet in_keys,
+                                                        tarni_wstring_view in_parentDlgName);
+
+    DriverSupport::DSUidPwdConfiguration* m_aossCredentials = nullptr;
+    DriverSupport::DSUidPwdConfiguration* m_oauthClientSecret = nullptr;
+    DriverSupport::DSUidPwdConfiguration* m_oauthAccessToken = nullptr;
+    DriverSupport::DSUidPwdConfiguration* m_dfiKeyFilePassword = nullptr;
+};
+}  // namespace Tarni::SparkODBC

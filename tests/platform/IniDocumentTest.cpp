@@ -1,0 +1,97 @@
+#include <gtest/gtest.h>
+
+#include "platform/IniDocument.h"
+#include "support/ErrorException.h"
+
+using Tarni::Platform::IniDocument;
+using Tarni::Support::ErrorException;
+
+namespace
+{
+const std::string SAMPLE =
+    "\xEF\xBB\xBF; top comment\r\n"
+    "[ODBC Data Sources]\r\n"
+    "Spark=Tarni Spark ODBC Driver\r\n"
+    "\r\n"
+    "[Driver]\r\n"
+    "  # indented comment\r\n"
+    "Port = 10000\r\n"
+    "KrbRealm=  A=B  \r\n"
+    "\r\n"
+    "[Other]\r\n"
+    "Port=1";
+}
+
+TEST(IniDocument, ReadsOnlyTheSectionWithValuesVerbatim)
+{
+    const auto doc = IniDocument::Parse(SAMPLE, u"x.ini");
+    const auto values = doc.ReadSection(u"driver");
+    ASSERT_EQ(2u, values.size());
+    EXPECT_EQ(u"Port", values[0].name);
+    EXPECT_EQ(u" 10000", values[0].value);
+    EXPECT_EQ(u"KrbRealm", values[1].name);
+    EXPECT_EQ(u"  A=B  ", values[1].value);
+    EXPECT_EQ(SAMPLE, doc.Serialize());
+}
+
+TEST(IniDocument, EditsTouchOnlyTheirLines)
+{
+    auto doc = IniDocument::Parse(SAMPLE, u"x.ini");
+    doc.SetValue(u"Driver", u"port", u"443");
+    doc.SetValue(u"Driver", u"New", u"");
+    doc.DeleteValue(u"Driver", u"KRBREALM");
+    const std::string expected =
+        "\xEF\xBB\xBF; top comment\r\n"
+        "[ODBC Data Sources]\r\n"
+        "Spark=Tarni Spark ODBC Driver\r\n"
+        "\r\n"
+        "[Driver]\r\n"
+        "  # indented comment\r\n"
+        "Port =443\r\n"
+        "New=\r\n"
+        "\r\n"
+        "[Other]\r\n"
+        "Port=1";
+    EXPECT_EQ(expected, doc.Serialize());
+}
+
+TEST(IniDocument, AddsTheSectionAtTheEndWhenMissing)
+{
+    auto doc = IniDocument::Parse("[A]\nx=1", u"x.ini");
+    doc.SetValue(u"Driver", u"Port", u"1");
+    EXPECT_EQ("[A]\nx=1\n\n[Driver]\nPort=1\n", doc.Serialize());
+
+    auto empty = IniDocument::Parse("", u"x.ini");
+    empty.SetValue(u"Driver", u"K", u"\u00e9");
+    EXPECT_EQ("[Driver]\nK=\xC3\xA9\n", empty.Serialize());
+}
+
+TEST(IniDocument, MalformedLinesNameFileAndLine)
+{
+    const struct
+    {
+        const char* text;
+        const char16_t* key;
+        const char16_t* line;
+    } cases[] = {
+        {"[Driver]\nPort=1\njunk\n", u"DSIniSyntaxErr", u"3"},
+        {"[Driver\n", u"DSIniSectionErr", u"1"},
+        {"[Driver]\n=value\n", u"DSIniSyntaxErr", u"2"},
+        {"[Driver]\nA=\xFF\xFE\n", u"DSIniEncodingErr", u"2"},
+    };
+    for (const auto& c : cases)
+    {
+        try
+        {
+            IniDocument::Parse(c.text, u"/etc/odbc/x.ini");
+            ADD_FAILURE() << "accepted: " << c.text;
+        }
+        catch (const ErrorException& e)
+        {
+            EXPECT_EQ(c.key, e.GetMessageKey()) << c.text;
+            ASSERT_EQ(2u, e.GetParameters().size());
+            EXPECT_EQ(u"/etc/odbc/x.ini", e.GetParameters()[0]);
+            EXPECT_EQ(c.line, e.GetParameters()[1]) << c.text;
+        }
+    }
+}

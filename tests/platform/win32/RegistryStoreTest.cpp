@@ -1,0 +1,70 @@
+#include <gtest/gtest.h>
+
+#include "platform/win32/RegistryStore.h"
+#include "support/ErrorException.h"
+
+using Tarni::Platform::RegistryStore;
+
+namespace
+{
+const char16_t* const TEST_KEY = u"SOFTWARE\\Tarni Test\\RegistryStoreTest\\Driver";
+
+class RegistryStoreTest : public ::testing::Test
+{
+protected:
+    void SetUp() override { m_store.DeleteKey(); }
+    void TearDown() override { m_store.DeleteKey(); }
+    RegistryStore m_store{HKEY_LOCAL_MACHINE, TEST_KEY};
+};
+}  // namespace
+
+TEST_F(RegistryStoreTest, RoundTripsRegSzValuesWithTheTerminatorCounted)
+{
+    EXPECT_TRUE(m_store.ReadAll().empty());
+    m_store.WriteValue(u"Host", u" h\u00e9=1 ");
+    m_store.WriteValue(u"Empty", u"");
+    m_store.WriteValue(u"Lines", u"a\r\nb");
+
+    HKEY key = nullptr;
+    ASSERT_EQ(ERROR_SUCCESS, RegOpenKeyExW(HKEY_LOCAL_MACHINE, reinterpret_cast<const wchar_t*>(TEST_KEY), 0,
+                                           KEY_READ, &key));
+    DWORD type = 0;
+    DWORD size = 0;
+    ASSERT_EQ(ERROR_SUCCESS, RegQueryValueExW(key, L"Host", nullptr, &type, nullptr, &size));
+    RegCloseKey(key);
+    EXPECT_EQ(static_cast<DWORD>(REG_SZ), type);
+    EXPECT_EQ((6u + 1u) * 2u, size);
+
+    const auto values = m_store.ReadAll();
+    ASSERT_EQ(3u, values.size());
+    for (const auto& value : values)
+    {
+        if (value.name == u"Host") EXPECT_EQ(u" h\u00e9=1 ", value.value);
+        if (value.name == u"Empty") EXPECT_EQ(u"", value.value);
+        if (value.name == u"Lines") EXPECT_EQ(u"a\r\nb", value.value);
+    }
+}
+
+TEST_F(RegistryStoreTest, DeleteRemovesOneValueAndNeedsTheKey)
+{
+    m_store.WriteValue(u"A", u"1");
+    m_store.WriteValue(u"B", u"2");
+    m_store.DeleteValue(u"a");
+    const auto values = m_store.ReadAll();
+    ASSERT_EQ(1u, values.size());
+    EXPECT_EQ(u"B", values[0].name);
+
+    m_store.DeleteValue(u"B");
+    m_store.DeleteKey();
+    try
+    {
+        m_store.DeleteValue(u"B");
+        FAIL() << "deleting under a missing key succeeded";
+    }
+    catch (const Tarni::Support::ErrorException& e)
+    {
+        EXPECT_EQ(u"DSRegistryWriteErr", e.GetMessageKey());
+        EXPECT_EQ(1010, e.GetNativeErrorCode());
+        EXPECT_FALSE(e.GetParameters().at(0).empty());
+    }
+}

@@ -1,0 +1,55 @@
+#!/usr/bin/env bash
+# Whole-process checks of tarni-spark-config: twenty writers at once on one
+# file each keep their key; the file's other sections and comments survive;
+# unreadable and unwritable files give an error naming the file and leave it
+# as it was. Permission checks run as an unprivileged user when we are root.
+set -u
+cli=$1
+dir=$(mktemp -d)
+trap 'rm -rf "$dir"' EXIT
+chmod 755 "$dir"
+failures=0
+fail() { echo "FAIL: $*"; failures=$((failures + 1)); }
+
+ini=$dir/odbc.ini
+printf '; shared file\n[ODBC]\nTrace=No\n\n[Driver]\n# driver-wide\n\n[Tail]\nX=1\n' >"$ini"
+for i in $(seq 1 20); do
+  "$cli" --ini "$ini" set "Concurrent$i=value $i" &
+done
+wait
+for i in $(seq 1 20); do
+  grep -qx "Concurrent$i=value $i" "$ini" || fail "Concurrent$i lost"
+done
+head -6 "$ini" | cmp -s - <(printf '; shared file\n[ODBC]\nTrace=No\n\n[Driver]\n# driver-wide\n') \
+  || fail "lines before the changes were not kept"
+tail -3 "$ini" | cmp -s - <(printf '\n[Tail]\nX=1\n') || fail "the following section was not kept"
+ls -A "$dir" | grep -q tmp && fail "a temporary file was left behind"
+
+run_as_user() {
+  if [ "$(id -u)" -eq 0 ]; then
+    setpriv --reuid=nobody --regid=nogroup --clear-groups "$@"
+  else
+    "$@"
+  fi
+}
+
+locked=$dir/locked
+mkdir "$locked"
+printf '[Driver]\nA=1\n' >"$locked/odbc.ini"
+chmod 444 "$locked/odbc.ini"
+chmod 555 "$locked"
+cp "$locked/odbc.ini" "$dir/before"
+out=$(run_as_user "$cli" --ini "$locked/odbc.ini" set A=2 2>&1); rc=$?
+[ $rc -eq 1 ] || fail "unwritable folder: exit $rc"
+echo "$out" | grep -q "$locked" || fail "unwritable folder: message does not name it: $out"
+cmp -s "$locked/odbc.ini" "$dir/before" || fail "unwritable folder: file changed"
+
+chmod 755 "$locked"
+chmod 000 "$locked/odbc.ini"
+out=$(run_as_user "$cli" --ini "$locked/odbc.ini" show 2>&1); rc=$?
+[ $rc -eq 1 ] || fail "unreadable file: exit $rc"
+echo "$out" | grep -q "odbc.ini" || fail "unreadable file: message does not name it: $out"
+chmod 644 "$locked/odbc.ini"
+
+echo "$((40 - failures)) passed, $failures failed"
+[ $failures -eq 0 ]
