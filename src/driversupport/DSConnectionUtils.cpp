@@ -2,6 +2,7 @@
 
 #include <limits>
 
+#include "driversupport/ConfigurationKeys.h"
 #include "support/ErrorException.h"
 #include "support/StringConverter.h"
 #include "support/TarniSettingReader.h"
@@ -15,7 +16,7 @@ namespace
 {
 const char* const NS = "Tarni::DriverSupport";
 const char* const CLS = "DSConnectionUtils";
-const char16_t* const DRIVER_CONFIG_TAKE_PRECEDENCE = u"DriverConfigTakePrecedence";
+// Read only here: the application's entry in the HTTP user agent.
 const char16_t* const USER_AGENT_ENTRY = u"UserAgentEntry";
 const size_t MAX_USER_AGENT_ENTRY_LENGTH = 256;
 
@@ -122,10 +123,10 @@ std::optional<bool> DSConnectionUtils::ParseBoolean(tarni_wstring_view in_text)
 bool DSConnectionUtils::IsDriverConfigTakePrecedence(const ConfigurationMap& in_settings)
 {
     // The driver-wide value is the administrator's; it decides when present.
-    std::optional<tarni_wstring> value = Support::TarniSettingReader::Read(DRIVER_CONFIG_TAKE_PRECEDENCE);
+    std::optional<tarni_wstring> value = Support::TarniSettingReader::Read(Keys::DriverConfigTakePrecedence);
     if (!value)
     {
-        value = FromConnection(DRIVER_CONFIG_TAKE_PRECEDENCE, in_settings);
+        value = FromConnection(Keys::DriverConfigTakePrecedence, in_settings);
     }
     return value && ParseBoolean(*value).value_or(false);
 }

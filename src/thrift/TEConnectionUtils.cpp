@@ -6,7 +6,9 @@
 #include "driversupport/DSProductHelper.h"
 #include "platform/ProcessEnvironment.h"
 #include "support/StringConverter.h"
+#include "driversupport/ConfigurationKeys.h"
 #include "thrift/TEApiCallNames.h"
+#include "thrift/TEConnectionKeys.h"
 #include "thrift/TEException.h"
 #include "thrift/TEOCICredentialsReader.h"
 
@@ -17,6 +19,8 @@ using DriverSupport::DSConnectionUtils;
 using DriverSupport::DSWarningList;
 using Support::ILogger;
 using Support::StringConverter;
+namespace DSKeys = DriverSupport::Keys;
+namespace TEKeys = ThriftExtension::Keys;
 
 namespace
 {
@@ -36,27 +40,27 @@ public:
         : m_settings(in_settings), m_log(in_log), m_warnings(io_warnings)
     {
     }
-    bool Bool(const char16_t* in_key, bool& out_value)
+    bool Bool(tarni_wstring_view in_key, bool& out_value)
     {
         return DSConnectionUtils::ReadBooleanSetting(in_key, m_settings, out_value, false, m_log, m_warnings);
     }
-    bool Text(const char16_t* in_key, std::string& out_value)
+    bool Text(tarni_wstring_view in_key, std::string& out_value)
     {
         return DSConnectionUtils::ReadUTF8StringSetting(in_key, m_settings, out_value, false, m_log, m_warnings);
     }
-    bool U16(const char16_t* in_key, std::uint16_t& out_value)
+    bool U16(tarni_wstring_view in_key, std::uint16_t& out_value)
     {
         return DSConnectionUtils::ReadUInt16Setting(in_key, m_settings, out_value, false, m_log, m_warnings);
     }
-    bool U32(const char16_t* in_key, std::uint32_t& out_value)
+    bool U32(tarni_wstring_view in_key, std::uint32_t& out_value)
     {
         return DSConnectionUtils::ReadUInt32Setting(in_key, m_settings, out_value, false, m_log, m_warnings);
     }
-    bool U64(const char16_t* in_key, std::uint64_t& out_value)
+    bool U64(tarni_wstring_view in_key, std::uint64_t& out_value)
     {
         return DSConnectionUtils::ReadUInt64Setting(in_key, m_settings, out_value, false, m_log, m_warnings);
     }
-    bool Native(const char16_t* in_key, std::size_t& out_value)
+    bool Native(tarni_wstring_view in_key, std::size_t& out_value)
     {
         return DSConnectionUtils::ReadUnsignedNativeSetting(in_key, m_settings, out_value, false, m_log, m_warnings);
     }
@@ -202,71 +206,71 @@ void TEConnectionUtils::ReadConnectionSetting(const ConfigurationMap& in_setting
     SettingReader read(in_settings, in_log, io_warnings);
     TESettings& s = io_settings;
 
-    read.Text(u"DSN", s.m_dsn);
-    read.Text(u"Host", s.m_host);
-    read.U16(u"Port", s.m_port);
-    read.Bool(u"KrbSpnRdns", s.m_krbSpnRdns);
-    read.Bool(u"CheckHttpConnectionHeader", s.m_checkHttpConnectionHeader);
-    read.Bool(u"EnableTLSSNI", s.m_enableTLSSNI);
-    read.Bool(u"EnableTcpKeepalive", s.m_enableTcpKeepalive);
-    if (read.U64(u"TcpKeepaliveTime", s.m_tcpKeepaliveTime) && s.m_tcpKeepaliveTime == 0 && in_log != nullptr)
+    read.Text(DSKeys::DSN, s.m_dsn);
+    read.Text(DSKeys::Host, s.m_host);
+    read.U16(DSKeys::Port, s.m_port);
+    read.Bool(TEKeys::KrbSpnRdns, s.m_krbSpnRdns);
+    read.Bool(TEKeys::CheckHttpConnectionHeader, s.m_checkHttpConnectionHeader);
+    read.Bool(TEKeys::EnableTLSSNI, s.m_enableTLSSNI);
+    read.Bool(TEKeys::EnableTcpKeepalive, s.m_enableTcpKeepalive);
+    if (read.U64(TEKeys::TcpKeepaliveTime, s.m_tcpKeepaliveTime) && s.m_tcpKeepaliveTime == 0 && in_log != nullptr)
     {
         in_log->LogWarning(NS, CLS, "ReadConnectionSetting", "m_tcpKeepaliveTime is 0, will use the system default");
     }
-    if (read.U64(u"TcpKeepaliveInterval", s.m_tcpKeepaliveInterval) && s.m_tcpKeepaliveInterval == 0 &&
+    if (read.U64(TEKeys::TcpKeepaliveInterval, s.m_tcpKeepaliveInterval) && s.m_tcpKeepaliveInterval == 0 &&
         in_log != nullptr)
     {
         in_log->LogWarning(NS, CLS, "ReadConnectionSetting",
                            "m_tcpKeepaliveInterval is 0, will use the system default");
     }
-    read.Bool(u"EnableTStatusLogging", s.m_enableTStatusLogging);
-    read.Bool(u"EnableTEDebugLogging", s.m_enableTEDebugLogging);
+    read.Bool(TEKeys::EnableTStatusLogging, s.m_enableTStatusLogging);
+    read.Bool(TEKeys::EnableTEDebugLogging, s.m_enableTEDebugLogging);
 
     ReadHTTPSettings(in_settings, s, in_log, io_warnings);
 
-    read.Bool(u"PassMaxProtocolVerInOpenSessionReq", s.m_passMaxProtocolVerInOpenSessionReq);
-    read.Bool(u"EnableFetchHeartbeat", s.m_enableFetchHeartbeat);
-    read.U32(u"FetchHeartbeatInterval", s.m_fetchHeartbeatInterval);
-    read.Bool(u"EnableMultipleCatalogsSupport", s.m_enableMultipleCatalogsSupport);
-    read.Bool(u"IsSyntheticCatalogAllowedInApiCalls", s.m_isSyntheticCatalogAllowedInApiCalls);
-    read.Bool(u"IsSyntheticCatalogAllowedInQuery", s.m_isSyntheticCatalogAllowedInQuery);
-    read.Bool(u"EnableSyntheticCatalogCheckOnMetadataQuery", s.m_enableSyntheticCatalogCheckOnMetadataQuery);
-    read.Bool(u"EnableCurrentCatalogCheckOnMetadataQuery", s.m_enableCurrentCatalogCheckOnMetadataQuery);
-    read.Bool(u"ExcludeEmptyStringCatalogInQuery", s.m_excludeEmptyStringCatalogInQuery);
-    read.Bool(u"IsTempTableAndViewsNotInCatalog", s.m_isTempTableAndViewsNotInCatalog);
-    read.Bool(u"IsEnableTempTableAndViewsEmptyStringCatalogCheck", s.m_isEnableTempTableAndViewsEmptyStringCatalogCheck);
-    read.Bool(u"AllowEmptyStringCurrentCatalog", s.m_allowEmptyStringCurrentCatalog);
-    read.Bool(u"ConvertSyntheticCatalogFilterToNullFilter", s.m_convertSyntheticCatalogFilterToNullFilter);
-    read.Bool(u"ConvertSyntheticCatalogToCurrentCatalogForQuery", s.m_convertSyntheticCatalogToCurrentCatalogForQuery);
-    read.Bool(u"IsSyntheticCatalogValidDriverSideCurrentCatalog", s.m_isSyntheticCatalogValidDriverSideCurrentCatalog);
-    read.Bool(u"IsSyntheticCatalogValidServerSideCurrentCatalog", s.m_isSyntheticCatalogValidServerSideCurrentCatalog);
+    read.Bool(TEKeys::PassMaxProtocolVerInOpenSessionReq, s.m_passMaxProtocolVerInOpenSessionReq);
+    read.Bool(TEKeys::EnableFetchHeartbeat, s.m_enableFetchHeartbeat);
+    read.U32(TEKeys::FetchHeartbeatInterval, s.m_fetchHeartbeatInterval);
+    read.Bool(TEKeys::EnableMultipleCatalogsSupport, s.m_enableMultipleCatalogsSupport);
+    read.Bool(TEKeys::IsSyntheticCatalogAllowedInApiCalls, s.m_isSyntheticCatalogAllowedInApiCalls);
+    read.Bool(TEKeys::IsSyntheticCatalogAllowedInQuery, s.m_isSyntheticCatalogAllowedInQuery);
+    read.Bool(TEKeys::EnableSyntheticCatalogCheckOnMetadataQuery, s.m_enableSyntheticCatalogCheckOnMetadataQuery);
+    read.Bool(TEKeys::EnableCurrentCatalogCheckOnMetadataQuery, s.m_enableCurrentCatalogCheckOnMetadataQuery);
+    read.Bool(TEKeys::ExcludeEmptyStringCatalogInQuery, s.m_excludeEmptyStringCatalogInQuery);
+    read.Bool(TEKeys::IsTempTableAndViewsNotInCatalog, s.m_isTempTableAndViewsNotInCatalog);
+    read.Bool(TEKeys::IsEnableTempTableAndViewsEmptyStringCatalogCheck, s.m_isEnableTempTableAndViewsEmptyStringCatalogCheck);
+    read.Bool(TEKeys::AllowEmptyStringCurrentCatalog, s.m_allowEmptyStringCurrentCatalog);
+    read.Bool(TEKeys::ConvertSyntheticCatalogFilterToNullFilter, s.m_convertSyntheticCatalogFilterToNullFilter);
+    read.Bool(TEKeys::ConvertSyntheticCatalogToCurrentCatalogForQuery, s.m_convertSyntheticCatalogToCurrentCatalogForQuery);
+    read.Bool(TEKeys::IsSyntheticCatalogValidDriverSideCurrentCatalog, s.m_isSyntheticCatalogValidDriverSideCurrentCatalog);
+    read.Bool(TEKeys::IsSyntheticCatalogValidServerSideCurrentCatalog, s.m_isSyntheticCatalogValidServerSideCurrentCatalog);
     s.m_isServerSupportsDatabricksCatalogSspSet =
-        read.Bool(u"ServerSupportsDatabricksCatalogSsp", s.m_serverSupportsDatabricksCatalogSsp);
-    s.m_isCatalogSet = read.Text(u"Catalog", s.m_catalog);
-    read.Bool(u"ForceDatabricksCatalogSspToConfOverlay", s.m_forceDatabricksCatalogSspToConfOverlay);
-    read.Bool(u"ValidateCatalogAgainstServer", s.m_validateCatalogAgainstServer);
-    read.Bool(u"EnableUseCatalogFallback", s.m_enableUseCatalogFallback);
-    read.Bool(u"ResolveSyntheticCatalogToCurrentCatalogWhenMetadataIdTrue",
+        read.Bool(TEKeys::ServerSupportsDatabricksCatalogSsp, s.m_serverSupportsDatabricksCatalogSsp);
+    s.m_isCatalogSet = read.Text(TEKeys::Catalog, s.m_catalog);
+    read.Bool(TEKeys::ForceDatabricksCatalogSspToConfOverlay, s.m_forceDatabricksCatalogSspToConfOverlay);
+    read.Bool(TEKeys::ValidateCatalogAgainstServer, s.m_validateCatalogAgainstServer);
+    read.Bool(TEKeys::EnableUseCatalogFallback, s.m_enableUseCatalogFallback);
+    read.Bool(TEKeys::ResolveSyntheticCatalogToCurrentCatalogWhenMetadataIdTrue,
               s.m_resolveSyntheticCatalogToCurrentCatalogWhenMetadataIdTrue);
-    read.Bool(u"GetMetadataWithQueryFromCurrentCatalogOnly", s.m_getMetadataWithQueryFromCurrentCatalogOnly);
-    read.Bool(u"ShowLocalTempSchemasInSQLTablesSchemasOnly", s.m_showLocalTempSchemasInSQLTablesSchemasOnly);
-    read.Bool(u"ShowGlobalTempSchemasInSQLTablesSchemasOnly", s.m_showGlobalTempSchemasInSQLTablesSchemasOnly);
-    read.Bool(u"UseSqlStateFromServer", s.m_useSqlStateFromServer);
-    read.Bool(u"UseLegacyCatalogAndTempSchemaRemovalLogic", s.m_useLegacyCatalogAndTempSchemaRemovalLogic);
-    read.U32(u"WebServerSocketBindRetryInterval", s.m_webServerSocketBindRetryInterval);
-    if (read.Native(u"QueryTimeoutOverride", s.m_queryTimeoutOverride))
+    read.Bool(TEKeys::GetMetadataWithQueryFromCurrentCatalogOnly, s.m_getMetadataWithQueryFromCurrentCatalogOnly);
+    read.Bool(TEKeys::ShowLocalTempSchemasInSQLTablesSchemasOnly, s.m_showLocalTempSchemasInSQLTablesSchemasOnly);
+    read.Bool(TEKeys::ShowGlobalTempSchemasInSQLTablesSchemasOnly, s.m_showGlobalTempSchemasInSQLTablesSchemasOnly);
+    read.Bool(TEKeys::UseSqlStateFromServer, s.m_useSqlStateFromServer);
+    read.Bool(TEKeys::UseLegacyCatalogAndTempSchemaRemovalLogic, s.m_useLegacyCatalogAndTempSchemaRemovalLogic);
+    read.U32(TEKeys::WebServerSocketBindRetryInterval, s.m_webServerSocketBindRetryInterval);
+    if (read.Native(DSKeys::QueryTimeoutOverride, s.m_queryTimeoutOverride))
     {
         s.m_isQueryTimeoutOverridden = true;
     }
-    read.Bool(u"EnableRecreateThriftClientBeforeRetry", s.m_enableRecreateThriftClientBeforeRetry);
+    read.Bool(TEKeys::EnableRecreateThriftClientBeforeRetry, s.m_enableRecreateThriftClientBeforeRetry);
     s.m_httpSettings.m_isEnableRecreateThriftClientBeforeRetry = s.m_enableRecreateThriftClientBeforeRetry;
 
     TETCLIServiceIfTestClientSettings& testClient = s.m_testClientSettings;
-    read.Bool(u"EnableSslErrorEmulation", testClient.m_isEnableSslErrorEmulation);
-    read.Text(u"ThriftApiForSslErrorEmulation", testClient.m_thriftApiForSslErrorEmulation);
-    read.U32(u"NumThriftApiCallsToSkipBeforeSslErrorEmulation",
+    read.Bool(TEKeys::EnableSslErrorEmulation, testClient.m_isEnableSslErrorEmulation);
+    read.Text(TEKeys::ThriftApiForSslErrorEmulation, testClient.m_thriftApiForSslErrorEmulation);
+    read.U32(TEKeys::NumThriftApiCallsToSkipBeforeSslErrorEmulation,
              testClient.m_numThriftApiCallsToSkipBeforeSslErrorEmulation);
-    read.Bool(u"DisableSslErrorEmulationAtDestruction", testClient.m_isDisableSslErrorEmulationAtDestruction);
+    read.Bool(TEKeys::DisableSslErrorEmulationAtDestruction, testClient.m_isDisableSslErrorEmulationAtDestruction);
     if (testClient.m_isEnableSslErrorEmulation)
     {
         const std::vector<std::string> names =
@@ -280,7 +284,7 @@ void TEConnectionUtils::ReadConnectionSetting(const ConfigurationMap& in_setting
         testClient.m_thriftApiForSslErrorEmulation = names.front();
         LogTestOnlySetting(in_log, "ReadConnectionSetting", "EnableSslErrorEmulation", false);
     }
-    read.Bool(u"EnableTranslationForCTAS", s.m_enableTranslationForCTAS);
+    read.Bool(DSKeys::EnableTranslationForCTAS, s.m_enableTranslationForCTAS);
 
     ReadHTTPPath(in_settings, s, in_log, io_warnings);
     ReadHttpApiRetrySettings(in_settings, s, in_log, io_warnings);
@@ -309,11 +313,11 @@ void TEConnectionUtils::UpdateConnectionSettings(const ConfigurationMap& in_sett
 {
     TARNI_LOG_ENTRY(in_log, NS, CLS, "UpdateConnectionSettings");
     SettingReader read(in_settings, in_log, io_warnings);
-    read.Bool(u"KrbSpnRdns", io_settings.m_krbSpnRdns);
-    read.Bool(u"ApplySSPWithQueries", io_settings.m_applySSPWithQueries);
-    read.Bool(u"LCaseSspKeyName", io_settings.m_lCaseSspKeyName);
-    read.Bool(u"UCaseSspKeyName", io_settings.m_uCaseSspKeyName);
-    read.Bool(u"EnableSamlCookieCaching", io_settings.m_enableSamlCookieCaching);
+    read.Bool(TEKeys::KrbSpnRdns, io_settings.m_krbSpnRdns);
+    read.Bool(DSKeys::ApplySSPWithQueries, io_settings.m_applySSPWithQueries);
+    read.Bool(DSKeys::LCaseSspKeyName, io_settings.m_lCaseSspKeyName);
+    read.Bool(TEKeys::UCaseSspKeyName, io_settings.m_uCaseSspKeyName);
+    read.Bool(DSKeys::EnableSamlCookieCaching, io_settings.m_enableSamlCookieCaching);
 }
 
 void TEConnectionUtils::ReadHTTPSettings(const ConfigurationMap& in_settings, TESettings& io_settings, ILogger* in_log,
@@ -323,12 +327,12 @@ void TEConnectionUtils::ReadHTTPSettings(const ConfigurationMap& in_settings, TE
     SettingReader read(in_settings, in_log, io_warnings);
     TEHTTPSettings& http = io_settings.m_httpSettings;
 
-    read.Bool(u"EnableResetHttpConnectionWithApiInterval", http.m_enableResetHttpConnectionWithApiInterval);
-    read.U64(u"ResetHttpConnectionInterval", http.m_resetHttpConnectionInterval);
-    read.Bool(u"EnableHttpConnectionResetWithHttpReqCount", http.m_enableHttpConnectionResetWithHttpReqCount);
-    read.U64(u"NumHttpReqsToTriggerHttpCxnReset", http.m_numHttpReqsToTriggerHttpCxnReset);
-    read.Bool(u"EnableHttpApiIdleEmulationTest", http.m_enableHttpApiIdleEmulationTest);
-    read.U64(u"HttpEmulatedApiIdleTime", http.m_httpEmulatedApiIdleTime);
+    read.Bool(TEKeys::EnableResetHttpConnectionWithApiInterval, http.m_enableResetHttpConnectionWithApiInterval);
+    read.U64(TEKeys::ResetHttpConnectionInterval, http.m_resetHttpConnectionInterval);
+    read.Bool(TEKeys::EnableHttpConnectionResetWithHttpReqCount, http.m_enableHttpConnectionResetWithHttpReqCount);
+    read.U64(TEKeys::NumHttpReqsToTriggerHttpCxnReset, http.m_numHttpReqsToTriggerHttpCxnReset);
+    read.Bool(TEKeys::EnableHttpApiIdleEmulationTest, http.m_enableHttpApiIdleEmulationTest);
+    read.U64(TEKeys::HttpEmulatedApiIdleTime, http.m_httpEmulatedApiIdleTime);
     if (http.m_enableHttpApiIdleEmulationTest && in_log != nullptr)
     {
         in_log->LogWarning(NS, CLS, "ReadHTTPSettings",
@@ -336,16 +340,16 @@ void TEConnectionUtils::ReadHTTPSettings(const ConfigurationMap& in_settings, TE
                            "before sending an API call.",
                            std::to_string(http.m_httpEmulatedApiIdleTime).c_str());
     }
-    if (read.Text(u"ExpectedAuthCookiesForTesting", io_settings.m_expectedAuthCookiesForTesting))
+    if (read.Text(TEKeys::ExpectedAuthCookiesForTesting, io_settings.m_expectedAuthCookiesForTesting))
     {
         LogTestOnlySetting(in_log, "ReadHTTPSettings", "ExpectedAuthCookiesForTesting", false);
     }
-    if (read.Text(u"ExpectedSspForTesting", io_settings.m_expectedSspForTesting))
+    if (read.Text(TEKeys::ExpectedSspForTesting, io_settings.m_expectedSspForTesting))
     {
         LogTestOnlySetting(in_log, "ReadHTTPSettings", "ExpectedSspForTesting", true);
     }
 
-    const tarni_wstring prefix = u"http.header.";
+    const tarni_wstring_view prefix = DSKeys::HttpHeaderPrefix;
     for (const auto& [key, value] : DSConnectionUtils::GetPrefixedSettings(prefix, in_settings))
     {
         const std::string name = StringConverter::ToUtf8(tarni_wstring_view(key).substr(prefix.size()));
@@ -362,7 +366,7 @@ void TEConnectionUtils::ReadHTTPPath(const ConfigurationMap& in_settings, TESett
     TARNI_LOG_ENTRY(in_log, NS, CLS, "ReadHTTPPath");
     SettingReader read(in_settings, in_log, io_warnings);
     std::string path;
-    if (read.Text(u"HTTPPath", path))
+    if (read.Text(DSKeys::HTTPPath, path))
     {
         // The path goes into the request line, which needs it absolute.
         if (!path.empty() && path.front() != '/')
@@ -380,11 +384,11 @@ void TEConnectionUtils::ReadHttpApiRetrySettings(const ConfigurationMap& in_sett
     SettingReader read(in_settings, in_log, io_warnings);
     TEHTTPSettings& http = io_settings.m_httpSettings;
 
-    read.Bool(u"EnableHttpApiRetry", http.m_enableHttpApiRetry);
-    read.U64(u"MaxNumHttpApiRetries", http.m_maxNumHttpApiRtries);
+    read.Bool(TEKeys::EnableHttpApiRetry, http.m_enableHttpApiRetry);
+    read.U64(TEKeys::MaxNumHttpApiRetries, http.m_maxNumHttpApiRtries);
 
     std::string interval;
-    if (read.Text(u"HttpApiRetryInterval", interval) && !Trim(interval).empty())
+    if (read.Text(TEKeys::HttpApiRetryInterval, interval) && !Trim(interval).empty())
     {
         try
         {
@@ -417,13 +421,13 @@ void TEConnectionUtils::ReadHttpApiRetrySettings(const ConfigurationMap& in_sett
     }
 
     std::string names;
-    if (read.Text(u"RetriableHttpApiNames", names))
+    if (read.Text(TEKeys::RetriableHttpApiNames, names))
     {
         http.m_retriableHttpApiNames = ParseApiCallNames(names, "RetriableHttpApiNames", in_log);
     }
 
     std::string ranges;
-    if (read.Text(u"RetriableHttpStatusCodeRanges", ranges))
+    if (read.Text(TEKeys::RetriableHttpStatusCodeRanges, ranges))
     {
         TEHttpStatusRanges parsed;
         ParseHttpStatusRanges(ranges, parsed, in_log);
@@ -438,22 +442,22 @@ void TEConnectionUtils::ReadHTTPRetrySettings(const ConfigurationMap& in_setting
     SettingReader read(in_settings, in_log, io_warnings);
 
     std::string names;
-    if (read.Text(u"ApiCallsAllowingDefaultRetryAfterVal", names))
+    if (read.Text(TEKeys::ApiCallsAllowingDefaultRetryAfterVal, names))
     {
         io_settings.m_apiCallsAllowingDefaultRetryAfterVal =
             ParseApiCallNames(names, "ApiCallsAllowingDefaultRetryAfterVal", in_log);
     }
     std::string codes;
-    if (read.Text(u"HttpRespCodesAllowingDefaultRetryAfterVal", codes))
+    if (read.Text(TEKeys::HttpRespCodesAllowingDefaultRetryAfterVal, codes))
     {
         TEHttpStatusRanges parsed;
         ParseHttpStatusRanges(codes, parsed, in_log);
         io_settings.m_httpRespCodesAllowingDefaultRetryAfterVal = std::move(parsed);
     }
-    read.U32(u"DefaultRetryAfterVal", io_settings.m_defaultRetryAfterVal);
+    read.U32(TEKeys::DefaultRetryAfterVal, io_settings.m_defaultRetryAfterVal);
 
     std::string emulatedCall;
-    if (read.Text(u"ApiCallForHttpRespCodeEmulation", emulatedCall) && !emulatedCall.empty())
+    if (read.Text(TEKeys::ApiCallForHttpRespCodeEmulation, emulatedCall) && !emulatedCall.empty())
     {
         const std::vector<std::string> parsed =
             ParseApiCallNames(emulatedCall, "ApiCallForHttpRespCodeEmulation", in_log);
@@ -465,7 +469,7 @@ void TEConnectionUtils::ReadHTTPRetrySettings(const ConfigurationMap& in_setting
         }
         io_settings.m_apiCallForHttpRespCodeEmulation = parsed.front();
     }
-    if (read.U16(u"EmulatedHttpRespCode", io_settings.m_emulatedHttpRespCode))
+    if (read.U16(TEKeys::EmulatedHttpRespCode, io_settings.m_emulatedHttpRespCode))
     {
         LogTestOnlySetting(in_log, "ReadHTTPRetrySettings", "EmulatedHttpRespCode", false);
     }
@@ -478,20 +482,20 @@ void TEConnectionUtils::ReadHTTPRetrySetting(TERetryAfterKind in_kind, const Con
                                              TESettings& io_settings, ILogger* in_log, DSWarningList& io_warnings)
 {
     TARNI_LOG_ENTRY(in_log, NS, CLS, "ReadHTTPRetrySetting");
-    const char16_t* retryKey = nullptr;
-    const char16_t* timeoutKey = nullptr;
+    tarni_wstring_view retryKey;
+    tarni_wstring_view timeoutKey;
     switch (in_kind)
     {
         case TERetryAfterKind::TemporarilyUnavailable:
-            retryKey = u"TemporarilyUnavailableRetry";
-            timeoutKey = u"TemporarilyUnavailableRetryTimeout";
+            retryKey = TEKeys::TemporarilyUnavailableRetry;
+            timeoutKey = TEKeys::TemporarilyUnavailableRetryTimeout;
             break;
         case TERetryAfterKind::RateLimit:
-            retryKey = u"RateLimitRetry";
-            timeoutKey = u"RateLimitRetryTimeout";
+            retryKey = TEKeys::RateLimitRetry;
+            timeoutKey = TEKeys::RateLimitRetryTimeout;
             break;
     }
-    if (retryKey == nullptr)
+    if (retryKey.empty())
     {
         if (in_log != nullptr)
         {
@@ -515,10 +519,10 @@ void TEConnectionUtils::ReadHttpApiRetryEmulationTestSettings(const Configuratio
     SettingReader read(in_settings, in_log, io_warnings);
     TEHTTPSettings& http = io_settings.m_httpSettings;
 
-    read.Bool(u"EnableHttpApiRetryEmulationTest", http.m_enableHttpApiRetryEmulationTest);
+    read.Bool(TEKeys::EnableHttpApiRetryEmulationTest, http.m_enableHttpApiRetryEmulationTest);
     std::string value;
-    const bool isGiven = read.Text(u"HttpApiRetryEmulationTestSettings", value);
-    read.Bool(u"StartHttpApiRetryEmulationAfterConnected", io_settings.m_startHttpApiRetryEmulationAfterConnected);
+    const bool isGiven = read.Text(TEKeys::HttpApiRetryEmulationTestSettings, value);
+    read.Bool(TEKeys::StartHttpApiRetryEmulationAfterConnected, io_settings.m_startHttpApiRetryEmulationAfterConnected);
 
     if (isGiven && !http.m_enableHttpApiRetryEmulationTest)
     {
@@ -546,30 +550,30 @@ void TEConnectionUtils::ReadSAMLSettings(const ConfigurationMap& in_settings, TE
 {
     TARNI_LOG_ENTRY(in_log, NS, CLS, "ReadSAMLSettings");
     SettingReader read(in_settings, in_log, io_warnings);
-    read.Text(u"SSOClientIdentifierHeader", io_settings.m_ssoClientIdentifierHeader);
-    read.Text(u"SSOTokenResponsePortHeader", io_settings.m_ssoTokenResponsePortHeader);
-    read.U16(u"SSOWebServerPort", io_settings.m_ssoWebServerPort);
-    read.U32(u"SSOWebServerTimeout", io_settings.m_ssoWebServerTimeout);
-    read.Bool(u"SSOWebServerTimeoutTakesPrecedence", io_settings.m_ssoWebServerTimeoutTakesPrecedence);
-    read.Bool(u"SSOTestingAllowNonSSL", io_settings.m_ssoTestingAllowNonSSL);
-    read.Bool(u"SSOIgnoreDriverNoPrompt", io_settings.m_ssoIgnoreDriverNoPrompt);
-    read.Bool(u"SSOResetHttpTransportAfterBrowserAuth", io_settings.m_ssoResetHttpTransportAfterBrowserAuth);
-    read.Bool(u"SSOEnableNonIdempotentApiCallRetryOnTokenExpired",
+    read.Text(TEKeys::SSOClientIdentifierHeader, io_settings.m_ssoClientIdentifierHeader);
+    read.Text(TEKeys::SSOTokenResponsePortHeader, io_settings.m_ssoTokenResponsePortHeader);
+    read.U16(TEKeys::SSOWebServerPort, io_settings.m_ssoWebServerPort);
+    read.U32(TEKeys::SSOWebServerTimeout, io_settings.m_ssoWebServerTimeout);
+    read.Bool(TEKeys::SSOWebServerTimeoutTakesPrecedence, io_settings.m_ssoWebServerTimeoutTakesPrecedence);
+    read.Bool(TEKeys::SSOTestingAllowNonSSL, io_settings.m_ssoTestingAllowNonSSL);
+    read.Bool(DSKeys::SSOIgnoreDriverNoPrompt, io_settings.m_ssoIgnoreDriverNoPrompt);
+    read.Bool(TEKeys::SSOResetHttpTransportAfterBrowserAuth, io_settings.m_ssoResetHttpTransportAfterBrowserAuth);
+    read.Bool(TEKeys::SSOEnableNonIdempotentApiCallRetryOnTokenExpired,
               io_settings.m_ssoEnableNonIdempotentApiCallRetryOnTokenExpired);
-    read.Bool(u"EnableSamlCookieCaching", io_settings.m_enableSamlCookieCaching);
+    read.Bool(DSKeys::EnableSamlCookieCaching, io_settings.m_enableSamlCookieCaching);
 
     // The browser flow hands the token back in HTTP headers, so SAML works
     // only over the HTTP transport.
     // AuthMech itself is read (and warned about) by the authentication code.
-    const std::optional<tarni_wstring> authMech = DSConnectionUtils::GetSettingValue(u"AuthMech", in_settings);
+    const std::optional<tarni_wstring> authMech = DSConnectionUtils::GetSettingValue(DSKeys::AuthMech, in_settings);
     if (!authMech || Trim(StringConverter::ToUtf8(*authMech)) != SAML_AUTH_MECH)
     {
         return;
     }
-    std::optional<tarni_wstring> transport = DSConnectionUtils::GetSettingValue(u"TransportMode", in_settings);
+    std::optional<tarni_wstring> transport = DSConnectionUtils::GetSettingValue(TEKeys::TransportMode, in_settings);
     if (!transport)
     {
-        transport = DSConnectionUtils::GetSettingValue(u"ThriftTransport", in_settings);
+        transport = DSConnectionUtils::GetSettingValue(DSKeys::ThriftTransport, in_settings);
     }
     if (transport && !transport->empty() && *transport != u"2" &&
         !StringConverter::EqualsIgnoreCase(*transport, u"HTTP"))
@@ -585,10 +589,10 @@ void TEConnectionUtils::ReadSspSettings(const ConfigurationMap& in_settings, TES
 {
     TARNI_LOG_ENTRY(in_log, NS, CLS, "ReadSspSettings");
     SettingReader read(in_settings, in_log, io_warnings);
-    read.Bool(u"ApplySSPWithQueries", io_settings.m_applySSPWithQueries);
-    read.Bool(u"LCaseSspKeyName", io_settings.m_lCaseSspKeyName);
-    read.Bool(u"UCaseSspKeyName", io_settings.m_uCaseSspKeyName);
-    read.Bool(u"EnableBdsSspHandling", io_settings.m_enableBdsSspHandling);
+    read.Bool(DSKeys::ApplySSPWithQueries, io_settings.m_applySSPWithQueries);
+    read.Bool(DSKeys::LCaseSspKeyName, io_settings.m_lCaseSspKeyName);
+    read.Bool(TEKeys::UCaseSspKeyName, io_settings.m_uCaseSspKeyName);
+    read.Bool(TEKeys::EnableBdsSspHandling, io_settings.m_enableBdsSspHandling);
 
     // Lower case wins when both conversions are asked for.
     const auto convert = [&](std::string in_name) {
@@ -609,7 +613,7 @@ void TEConnectionUtils::ReadSspSettings(const ConfigurationMap& in_settings, TES
         }
     };
 
-    for (const auto& [key, value] : DSConnectionUtils::GetPrefixedSettings(u"SSP_", in_settings))
+    for (const auto& [key, value] : DSConnectionUtils::GetPrefixedSettings(DSKeys::SSP_Prefix, in_settings))
     {
         const std::string rest = StringConverter::ToUtf8(tarni_wstring_view(key).substr(4));
         if (rest.empty())
@@ -625,7 +629,7 @@ void TEConnectionUtils::ReadSspSettings(const ConfigurationMap& in_settings, TES
     }
     if (io_settings.m_enableBdsSspHandling)
     {
-        for (const auto& [key, value] : DSConnectionUtils::GetPrefixedSettings(u"BDS_", in_settings))
+        for (const auto& [key, value] : DSConnectionUtils::GetPrefixedSettings(TEKeys::BDS_Prefix, in_settings))
         {
             addBds(StringConverter::ToUtf8(tarni_wstring_view(key).substr(4)), value);
         }
@@ -638,11 +642,11 @@ void TEConnectionUtils::ReadTransportMode(const ConfigurationMap& in_settings, T
     TARNI_LOG_ENTRY(in_log, NS, CLS, "ReadTransportMode");
     // "TransportMode" names the transport directly; the dialogs store it as
     // "ThriftTransport", which is read when the first is not given.
-    const char16_t* key = u"TransportMode";
+    tarni_wstring_view key = TEKeys::TransportMode;
     std::optional<tarni_wstring> value = DSConnectionUtils::GetSettingValue(key, in_settings);
     if (!value)
     {
-        key = u"ThriftTransport";
+        key = DSKeys::ThriftTransport;
         value = DSConnectionUtils::GetSettingValue(key, in_settings);
     }
     if (!value || value->empty())
@@ -662,7 +666,7 @@ void TEConnectionUtils::ReadTransportMode(const ConfigurationMap& in_settings, T
         }
     }
     io_warnings.Add(Support::DS_ERROR, u"DSInvalidSettingValueWarn",
-                    {key, *value, u"a Thrift transport (0 Binary, 1 SASL, 2 HTTP)"});
+                    {tarni_wstring(key), *value, u"a Thrift transport (0 Binary, 1 SASL, 2 HTTP)"});
     if (in_log != nullptr)
     {
         in_log->LogWarning(NS, CLS, "ReadTransportMode",
@@ -676,7 +680,7 @@ void TEConnectionUtils::ReadUserAgentSettings(const ConfigurationMap& in_setting
 {
     TARNI_LOG_ENTRY(in_log, NS, CLS, "ReadUserAgentSettings");
     SettingReader read(in_settings, in_log, io_warnings);
-    read.Bool(u"UseLegacyUserAgent", io_settings.m_useLegacyUserAgent);
+    read.Bool(DSKeys::UseLegacyUserAgent, io_settings.m_useLegacyUserAgent);
     DSConnectionUtils::ReadUserAgentEntrySetting(in_settings, io_settings.m_userAgentEntry, in_log, io_warnings);
     io_settings.m_userAgent =
         BuildUserAgent(GetProductToken(), io_settings.m_userAgentEntry, io_settings.m_useLegacyUserAgent);
@@ -693,18 +697,18 @@ void TEConnectionUtils::ReadBinaryAndCharacterDataRetrievalBehaviorSettings(cons
     TARNI_LOG_ENTRY(in_log, NS, CLS, "ReadBinaryAndCharacterDataRetrievalBehaviorSettings");
     SettingReader read(in_settings, in_log, io_warnings);
     // The keys are spelt so in every configuration that sets them.
-    read.Bool(u"UseLegacyBinaryDataRetrievalBehaivor", io_settings.m_useLegacyBinaryDataRetrievalBehavior);
-    read.Bool(u"UseLegacyCharacterDataRetrievalBehaivor", io_settings.m_useLegacyCharacterDataRetrievalBehavior);
+    read.Bool(TEKeys::UseLegacyBinaryDataRetrievalBehaivor, io_settings.m_useLegacyBinaryDataRetrievalBehavior);
+    read.Bool(TEKeys::UseLegacyCharacterDataRetrievalBehaivor, io_settings.m_useLegacyCharacterDataRetrievalBehavior);
 }
 
 bool TEConnectionUtils::IsOCIConnection(const ConfigurationMap& in_settings)
 {
-    const std::optional<tarni_wstring> region = DSConnectionUtils::GetSettingValue(u"OCIRegion", in_settings);
+    const std::optional<tarni_wstring> region = DSConnectionUtils::GetSettingValue(TEKeys::OCIRegion, in_settings);
     if (region && !region->empty())
     {
         return true;
     }
-    const std::optional<tarni_wstring> host = DSConnectionUtils::GetSettingValue(u"Host", in_settings);
+    const std::optional<tarni_wstring> host = DSConnectionUtils::GetSettingValue(DSKeys::Host, in_settings);
     return host && StartsWithIgnoreAsciiCase(StringConverter::ToUtf8(*host), OCI_HOST_PREFIX);
 }
 
@@ -735,7 +739,7 @@ void TEConnectionUtils::ReadOCISettings(const ConfigurationMap& in_settings, TES
     SettingReader read(in_settings, in_log, io_warnings);
     TEOCISettings& oci = io_settings.m_ociSettings;
 
-    if (!read.Text(u"OCIRegion", oci.m_region) || oci.m_region.empty())
+    if (!read.Text(TEKeys::OCIRegion, oci.m_region) || oci.m_region.empty())
     {
         oci.m_region = ExtractOCIRegionFromHost(io_settings.m_host);
         if (oci.m_region.empty())
@@ -746,12 +750,12 @@ void TEConnectionUtils::ReadOCISettings(const ConfigurationMap& in_settings, TES
                       "give the region with the OCIRegion configuration.");
         }
     }
-    read.U32(u"OCITokenRefreshBuffer", oci.m_tokenRefreshBuffer);
-    read.Bool(u"OCIIgnoreDriverNoPrompt", oci.m_ignoreDriverNoPrompt);
-    read.U32(u"OCIWebServerTimeout", oci.m_webServerTimeout);
-    read.Bool(u"OCIWebServerTimeoutTakesPrecedence", oci.m_webServerTimeoutTakesPrecedence);
+    read.U32(TEKeys::OCITokenRefreshBuffer, oci.m_tokenRefreshBuffer);
+    read.Bool(DSKeys::OCIIgnoreDriverNoPrompt, oci.m_ignoreDriverNoPrompt);
+    read.U32(TEKeys::OCIWebServerTimeout, oci.m_webServerTimeout);
+    read.Bool(TEKeys::OCIWebServerTimeoutTakesPrecedence, oci.m_webServerTimeoutTakesPrecedence);
 
-    if (!read.Text(u"OCIConfigFile", oci.m_configFile) || oci.m_configFile.empty())
+    if (!read.Text(DSKeys::OCIConfigFile, oci.m_configFile) || oci.m_configFile.empty())
     {
         const std::string separator = StringConverter::ToUtf8(tarni_wstring(1, Platform::ProcessEnvironment::PathSeparator()));
         std::string home = StringConverter::ToUtf8(Platform::ProcessEnvironment::GetHomeDirectory());
@@ -762,7 +766,7 @@ void TEConnectionUtils::ReadOCISettings(const ConfigurationMap& in_settings, TES
         oci.m_configFile = home + ".oci" + separator + "config";
     }
     std::string profile;
-    if (read.Text(u"OCIProfile", profile) && !profile.empty())
+    if (read.Text(DSKeys::OCIProfile, profile) && !profile.empty())
     {
         oci.m_profile = profile;
         if (in_log != nullptr)
@@ -778,14 +782,14 @@ void TEConnectionUtils::ReadOCISettings(const ConfigurationMap& in_settings, TES
             in_log->LogInfo(NS, CLS, "ReadOCISettings", "Using the DEFAULT profile.");
         }
     }
-    read.U64(u"OCIMaxTokenSize", oci.m_maxTokenSize);
+    read.U64(TEKeys::OCIMaxTokenSize, oci.m_maxTokenSize);
 
     // Endpoints of the region's identity service unless given explicitly.
-    if (!read.Text(u"OCIAuthURL", oci.m_authURL) || oci.m_authURL.empty())
+    if (!read.Text(TEKeys::OCIAuthURL, oci.m_authURL) || oci.m_authURL.empty())
     {
         oci.m_authURL = "https://auth." + oci.m_region + ".oraclecloud.com/v1/oauth2/authorize";
     }
-    if (!read.Text(u"OCITokenRefreshURL", oci.m_tokenRefreshURL) || oci.m_tokenRefreshURL.empty())
+    if (!read.Text(TEKeys::OCITokenRefreshURL, oci.m_tokenRefreshURL) || oci.m_tokenRefreshURL.empty())
     {
         oci.m_tokenRefreshURL = "https://auth." + oci.m_region + ".oraclecloud.com/v1/oauth2/token";
     }

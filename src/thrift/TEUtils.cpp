@@ -5,6 +5,7 @@
 #include <boost/regex.hpp>
 #include <nlohmann/json.hpp>
 
+#include "driversupport/ConfigurationKeys.h"
 #include "driversupport/DSBase64.h"
 #include "thrift/TECatalogRemovalPatternCache.h"
 #include "thrift/TEException.h"
@@ -274,8 +275,9 @@ void TEUtils::TranslateTransportErrorText(std::string_view in_text, bool in_isSa
     }
 }
 
-TEUtils::SecretKeyNames TEUtils::GetKeyFilePasswordKey()
+DriverSupport::DSUidPwdKeySet TEUtils::GetKeyFilePasswordKey()
 {
-    return SecretKeyNames{u"keyFilePassword", u"EncryptedKeyFilePassword"};
+    return DriverSupport::DSUidPwdKeySet{u"", tarni_wstring(DriverSupport::Keys::keyFilePassword),
+                                         tarni_wstring(DriverSupport::Keys::EncryptedKeyFilePassword), u""};
 }
 }  // namespace Tarni::ThriftExtension

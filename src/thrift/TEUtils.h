@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "driversupport/DSUidPwdKeySet.h"
 #include "support/ILogger.h"
 #include "support/TarniString.h"
 
@@ -73,13 +74,9 @@ public:
                                             bool in_isSasl);
 #endif
 
-    /// The configuration keys of the private key file's password: the plain
-    /// connection key and the key of its protected form.
-    struct SecretKeyNames
-    {
-        tarni_wstring m_plainKey;
-        tarni_wstring m_protectedKey;
-    };
-    static SecretKeyNames GetKeyFilePasswordKey();
+    /// The stored-secret entry of the private key file's password: the plain
+    /// connection key "keyFilePassword" and its protected form
+    /// "EncryptedKeyFilePassword", as the credential model stores secrets.
+    static DriverSupport::DSUidPwdKeySet GetKeyFilePasswordKey();
 };
 }  // namespace Tarni::ThriftExtension

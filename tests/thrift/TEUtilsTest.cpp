@@ -293,7 +293,8 @@ TEST(TEUtilsTest, TransportExceptionTranslation)
 
 TEST(TEUtilsTest, KeyFilePasswordKeys)
 {
-    const TEUtils::SecretKeyNames keys = TEUtils::GetKeyFilePasswordKey();
-    EXPECT_EQ(keys.m_plainKey, u"keyFilePassword");
-    EXPECT_EQ(keys.m_protectedKey, u"EncryptedKeyFilePassword");
+    const DriverSupport::DSUidPwdKeySet keys = TEUtils::GetKeyFilePasswordKey();
+    EXPECT_EQ(keys.Pwd(), u"keyFilePassword");
+    EXPECT_EQ(keys.EncryptedPwd(), u"EncryptedKeyFilePassword");
+    EXPECT_EQ(keys.Uid(), u"");
 }
