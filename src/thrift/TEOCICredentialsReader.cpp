@@ -8,6 +8,7 @@
 #include "platform/IniDocument.h"
 #include "platform/ProcessEnvironment.h"
 #include "support/StringConverter.h"
+#include "thrift/TEAutoEVPPKey.h"
 
 namespace Tarni::ThriftExtension
 {
@@ -196,7 +197,12 @@ void TEOCICredentialsReader::ReadCredentials(TEOCISettings& io_oci, ILogger* in_
         EnableBrowserFlow(io_oci, in_log, "the profile names no private key file.");
         return;
     }
-    // PRIVATE KEY READING: added with the signing code.
+    io_oci.m_privateKey = TEAutoEVPPKey::ReadPrivateKeyFile(io_oci.m_keyFile, passPhrase, in_log);
+    if (!io_oci.m_privateKey)
+    {
+        EnableBrowserFlow(io_oci, in_log, "the private key file " + io_oci.m_keyFile + " cannot be read.");
+        return;
+    }
     if (!ReadSecurityToken(io_oci, in_log))
     {
         io_oci.m_privateKey.reset();

@@ -7,6 +7,9 @@
 
 #include "driversupport/ConfigurationKeys.h"
 #include "driversupport/DSBase64.h"
+#include "support/StringConverter.h"
+#include "thrift/TEAutoEVPPKey.h"
+#include "thrift/TEAutoRSASignCtx.h"
 #include "thrift/TECatalogRemovalPatternCache.h"
 #include "thrift/TEException.h"
 
@@ -258,6 +261,74 @@ std::uint64_t TEUtils::GetTokenExpiry(const std::string& in_token, ILogger* in_l
         }
     }
     ThrowJsonError(in_log, "The \"exp\" member of the token's payload is not an unsigned number: " + exp->dump() + ".");
+}
+
+std::string TEUtils::SignWithRSA(const TEAutoEVPPKey& in_key, std::string_view in_data, ILogger* in_log)
+{
+    TARNI_LOG_ENTRY(in_log, NS, CLS, "SignWithRSA");
+    using Support::LibCrypto;
+    const LibCrypto& c = *in_key.GetCrypto();
+    const auto fail = [&](const char* in_step) {
+        const std::string text =
+            std::string(in_step) + " failed: " + Support::StringConverter::ToUtf8(c.TakeErrorText());
+        if (in_log != nullptr)
+        {
+            in_log->LogError(NS, CLS, "SignWithRSA", "%s", text.c_str());
+        }
+        return TEException::WithText(u"TERSASignatureError", text);
+    };
+    c.ERR_clear_error();
+
+    const TEAutoRSASignCtx context(in_key.GetCrypto());
+    if (context.Get() == nullptr)
+    {
+        throw fail("EVP_MD_CTX_new");
+    }
+    if (c.EVP_DigestSignInit(context.Get(), nullptr, c.EVP_sha256(), nullptr, in_key.Get()) != 1)
+    {
+        throw fail("EVP_DigestSignInit");
+    }
+    if (c.EVP_DigestSignUpdate(context.Get(), in_data.data(), in_data.size()) != 1)
+    {
+        throw fail("EVP_DigestSignUpdate");
+    }
+    // First call: the length of the signature; second call: the signature.
+    size_t length = 0;
+    if (c.EVP_DigestSignFinal(context.Get(), nullptr, &length) != 1)
+    {
+        throw fail("EVP_DigestSignFinal");
+    }
+    std::string signature(length, '\0');
+    if (c.EVP_DigestSignFinal(context.Get(), reinterpret_cast<unsigned char*>(signature.data()), &length) != 1)
+    {
+        throw fail("EVP_DigestSignFinal");
+    }
+    signature.resize(length);
+
+    // Base64 without line breaks: a base64 filter over a memory buffer.
+    std::unique_ptr<LibCrypto::BIO, void (*)(LibCrypto::BIO*)> chain(nullptr, c.BIO_free_all);
+    LibCrypto::BIO* base64 = c.BIO_new(c.BIO_f_base64());
+    LibCrypto::BIO* memory = c.BIO_new(c.BIO_s_mem());
+    if (base64 == nullptr || memory == nullptr)
+    {
+        if (base64 != nullptr) c.BIO_free(base64);
+        if (memory != nullptr) c.BIO_free(memory);
+        throw fail("BIO_new");
+    }
+    chain.reset(c.BIO_push(base64, memory));
+    c.BIO_set_flags(base64, LibCrypto::BIO_FLAGS_BASE64_NO_NL);
+    if (c.BIO_write(base64, signature.data(), static_cast<int>(signature.size())) != static_cast<int>(signature.size()) ||
+        c.BIO_ctrl(base64, LibCrypto::BIO_CTRL_FLUSH, 0, nullptr) != 1)
+    {
+        throw fail("BIO_write");
+    }
+    char* encoded = nullptr;
+    const long encodedLength = c.BIO_ctrl(memory, LibCrypto::BIO_CTRL_INFO, 0, &encoded);
+    if (encodedLength <= 0 || encoded == nullptr)
+    {
+        throw fail("BIO_get_mem_data");
+    }
+    return std::string(encoded, static_cast<size_t>(encodedLength));
 }
 
 void TEUtils::TranslateTransportErrorText(std::string_view in_text, bool in_isSasl)

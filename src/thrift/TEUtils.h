@@ -61,6 +61,11 @@ public:
     /// it is not JSON or has no unsigned "exp".
     static std::uint64_t GetTokenExpiry(const std::string& in_token, Support::ILogger* in_log);
 
+    /// Signs the data with RSA over its SHA-256 digest (PKCS #1 v1.5) and
+    /// returns the signature in base64 on one line. Throws TEException
+    /// "TERSASignatureError" with libcrypto's error text when a step fails.
+    static std::string SignWithRSA(const TEAutoEVPPKey& in_key, std::string_view in_data, Support::ILogger* in_log);
+
     /// Throws the connection diagnostic for the text of a transport failure:
     /// "TESASLClientToNOSASLServer" / "TENOSASLClientToSASLServer" when an SSL
     /// read failed (by in_isSasl), "TESSLCxnToNonSSLServerError" when the SSL

@@ -281,3 +281,38 @@ TEST_F(TEConnectionUtilsTest, ReadEnvVarLogsTheValue)
     EXPECT_EQ(TEConnectionUtils::ReadEnvVar("bad\xff", &m_log), "");
     EXPECT_TRUE(m_log.HasFragment("An error occurred while attempting to read the environment variable bad"));
 }
+
+TEST_F(TEConnectionUtilsTest, OciRegionProfileAndEndpoints)
+{
+    EXPECT_EQ(TEConnectionUtils::ExtractOCIRegionFromHost("DataFlowClusters.US-Ashburn-1.oci.example.com"),
+              "us-ashburn-1");
+    EXPECT_EQ(TEConnectionUtils::ExtractOCIRegionFromHost("dataflowclusters..x"), "");
+    EXPECT_EQ(TEConnectionUtils::ExtractOCIRegionFromHost("cluster.us-ashburn-1.example.com"), "");
+
+    Read({{u"Host", u"dataflowclusters.eu-frankfurt-1.example.com"}, {u"OCIConfigFile", u"/nonexistent/oci-config"}});
+    EXPECT_TRUE(m_settings.m_isOCIConnection);
+    const TEOCISettings& oci = m_settings.m_ociSettings;
+    EXPECT_EQ(oci.m_region, "eu-frankfurt-1");
+    EXPECT_EQ(oci.m_authURL, "https://auth.eu-frankfurt-1.oraclecloud.com/v1/oauth2/authorize");
+    EXPECT_EQ(oci.m_profile, "DEFAULT");
+    EXPECT_TRUE(oci.m_useBrowserFlow);
+    EXPECT_TRUE(m_log.Has(Support::LOG_INFO, "Using the DEFAULT profile."));
+    EXPECT_TRUE(m_log.Has(Support::LOG_ERROR, "Unable to open the config file /nonexistent/oci-config."));
+
+    TESettings named;
+    TEConnectionUtils::ReadConnectionSetting({{u"Host", u"10.0.0.1"}, {u"OCIRegion", u"ap-tokyo-1"},
+                                              {u"OCIProfile", u"work"}, {u"OCITokenRefreshURL", u"https://t/refresh"},
+                                              {u"OCIConfigFile", u"/nonexistent/oci-config"}},
+                                             named, &m_log, m_warnings);
+    EXPECT_EQ(named.m_ociSettings.m_region, "ap-tokyo-1");
+    EXPECT_EQ(named.m_ociSettings.m_tokenRefreshURL, "https://t/refresh");
+    EXPECT_TRUE(m_log.Has(Support::LOG_INFO, "Using the work profile specified by the user."));
+
+    TESettings plain;
+    TEConnectionUtils::ReadConnectionSetting({{u"Host", u"spark.example.com"}}, plain, &m_log, m_warnings);
+    EXPECT_FALSE(plain.m_isOCIConnection);
+
+    plain.m_host = "spark.example.com";
+    EXPECT_EQ(CaptureError([&] { TEConnectionUtils::ReadOCISettings({}, plain, &m_log, m_warnings); }).key,
+              "TECouldNotExtractOCIRegion");
+}
