@@ -183,4 +183,17 @@ void DSDSNConfiguration::SaveLoggingProperties(Platform::ISettingsStore& io_stor
     io_store.WriteValue(Keys::LogFileCount, m_map.GetValue(Keys::LogFileCount));
     io_store.WriteValue(Keys::LogFileSize, size);
 }
+
+std::vector<Support::ErrorException> DSDSNConfiguration::GetSecretRecoveryErrors() const
+{
+    std::vector<Support::ErrorException> errors;
+    for (const DSUidPwdConfiguration* credential : GetCredentialComponents())
+    {
+        if (credential->GetRecoveryError())
+        {
+            errors.push_back(*credential->GetRecoveryError());
+        }
+    }
+    return errors;
+}
 }  // namespace Tarni::DriverSupport

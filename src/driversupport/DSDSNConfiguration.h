@@ -56,6 +56,10 @@ public:
     /// The credential whose plain or protected password key this is, or null.
     DSUidPwdConfiguration* FindCredentialBySecretKey(tarni_wstring_view in_key) const;
 
+    /// Errors of secrets that the last load could not recover (each kept as
+    /// stored); the programs report them as warnings.
+    std::vector<Support::ErrorException> GetSecretRecoveryErrors() const;
+
     /// Further components (OAuth, AOSS, DFI ...) that take part in defaults,
     /// load and save after the credentials, SSL and proxy.
     void AddComponent(std::unique_ptr<DSConfigurationComponent> in_component);

@@ -1,5 +1,7 @@
 #include "driversupport/DSUidPwdConfiguration.h"
 
+#include "support/ErrorException.h"
+
 
 #include "driversupport/DSEncryptionUtils.h"
 #include "platform/OdbcInstaller.h"
@@ -70,6 +72,7 @@ void DSUidPwdConfiguration::InitializeAfterLoad()
         }
         return;
     }
+    m_recoveryError.reset();
     const auto encrypted = m_map.find(encryptedKey);
     if (encrypted == m_map.end())
     {
@@ -80,9 +83,28 @@ void DSUidPwdConfiguration::InitializeAfterLoad()
         }
         return;
     }
-    // Recover first: a value that cannot be recovered leaves the map and
-    // the flags exactly as they were.
-    const DSRecoveredSecret recovered = DSEncryptionUtils::Decrypt(encrypted->second, encryptedKey, m_logger);
+    // A value that cannot be recovered here (protected on another machine or
+    // for another user, damaged, or libcrypto missing) is kept exactly as
+    // stored: the next save writes it back unchanged, and the user can
+    // replace it with a new secret. Refusing the whole load instead would
+    // lock the user out of every setting.
+    DSRecoveredSecret recovered;
+    try
+    {
+        recovered = DSEncryptionUtils::Decrypt(encrypted->second, encryptedKey, m_logger);
+    }
+    catch (const Support::ErrorException& e)
+    {
+        if (m_logger != nullptr)
+        {
+            m_logger->LogWarning(NS, CLS, "InitializeAfterLoad",
+                                 "The %s attribute cannot be recovered and is kept as stored: %s",
+                                 U8(encryptedKey).c_str(), e.what());
+        }
+        m_recoveryError = e;
+        m_encryptPwd = true;
+        return;
+    }
     m_encryptPwd = true;
     if (!encrypted->second.empty())
     {

@@ -1,9 +1,12 @@
 #pragma once
+#include <optional>
+
 // The credential model: which keys hold a user name and password, whether the
 // password is saved (only ever in protected form) and in which scope.
 #include "driversupport/DSConfigurationComponent.h"
 #include "driversupport/DSMessageBoxHost.h"
 #include "driversupport/DSUidPwdKeySet.h"
+#include "support/ErrorException.h"
 #include "support/ILogger.h"
 
 namespace Tarni::DriverSupport
@@ -53,8 +56,13 @@ public:
     void SetDPAPIEncryptForAllUsers(bool in_allUsers) { m_encryptForAllUsers = in_allUsers; }
     void SetPwdOptional() { m_pwdOptional = true; }
     bool IsPwdOptional() const { return m_pwdOptional; }
+
+    /// The error of the last load when the protected value could not be
+    /// recovered (the value is then kept as stored); nothing otherwise.
+    const std::optional<Support::ErrorException>& GetRecoveryError() const { return m_recoveryError; }
     unsigned GetConfigType() const { return m_configType; }
     const DSUidPwdKeySet& GetKeySet() const { return m_keys; }
+    Support::ILogger* GetLog() const { return m_logger; }
 
     const tarni_wstring& GetParentDlgName() const { return m_parentDlgName; }
     void SetParentDlgName(tarni_wstring_view in_name) { m_parentDlgName = tarni_wstring(in_name); }
@@ -79,6 +87,7 @@ protected:
     bool m_encryptPwd = true;
     bool m_encryptForAllUsers = false;
     bool m_pwdOptional = false;
+    std::optional<Support::ErrorException> m_recoveryError;
 
     static bool s_encryptionOptionsEnabled;
     static bool s_dropPlainPasswordOnSave;

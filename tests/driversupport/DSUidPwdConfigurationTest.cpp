@@ -118,7 +118,7 @@ TEST_F(CredentialModel, AfterLoadPlainWinsAndAnEncryptedValueAloneIsRecoveredWit
     EXPECT_TRUE(m_log.Contains(Support::LOG_INFO, "The EncryptedPWD attribute does not exist."));
 }
 
-TEST_F(CredentialModel, AValueThatCannotBeRecoveredChangesNothing)
+TEST_F(CredentialModel, AValueThatCannotBeRecoveredIsReportedAndKeptAsStored)
 {
     tarni_wstring stored = DSEncryptionUtils::Encrypt(u"pw", false, u"EncryptedPWD");
     stored.back() = stored.back() == u'0' ? u'1' : u'0';
@@ -126,10 +126,14 @@ TEST_F(CredentialModel, AValueThatCannotBeRecoveredChangesNothing)
     m_map = {{u"EncryptedPWD", stored}};
     auto credential = Make(2);
     credential->SetEncryptPwd(false);
-    const auto error = SecretTest::Caught([&] { credential->InitializeAfterLoad(); });
-    EXPECT_EQ(u"DSDecryptError", error.GetMessageKey());
+    credential->InitializeAfterLoad();
+    ASSERT_TRUE(credential->GetRecoveryError().has_value());
+    EXPECT_EQ(u"DSDecryptError", credential->GetRecoveryError()->GetMessageKey());
     EXPECT_EQ(ConfigurationMap({{u"EncryptedPWD", stored}}), m_map);
-    EXPECT_FALSE(credential->IsEncryptPwd());
+    // Kept as stored: the next save writes the protected value back unchanged.
+    EXPECT_TRUE(credential->IsEncryptPwd());
+    credential->FinalizeBeforeSave();
+    EXPECT_EQ(ConfigurationMap({{u"EncryptedPWD", stored}}), m_map);
 }
 
 TEST_F(CredentialModel, FinalizeProtectsDropsOrKeepsAsTheFlagsAndSwitchSay)

@@ -174,24 +174,25 @@ TEST_F(DriverSecrets, NoScopeChosenRemovesBothKeysFromTheStore)
     EXPECT_EQ(std::string::npos, StoreBytes().find("typed by hand"));
 }
 
-TEST_F(DriverSecrets, AnAlteredStoredValueFailsTheLoadAndTheStoreStaysAsItWas)
+TEST_F(DriverSecrets, AnAlteredStoredValueIsReportedAndTheStoreStaysAsItWas)
 {
     SaveAllSecrets();
     std::string stored = Stored(u"ProxyEncryptedPWD");
     stored[stored.size() - 3] = stored[stored.size() - 3] == '0' ? '1' : '0';
     m_store->WriteValue(u"ProxyEncryptedPWD", Support::StringConverter::FromUtf8(stored));
     const std::string before = StoreBytes();
-    try
-    {
-        Load();
-        FAIL() << "the altered value was accepted";
-    }
-    catch (const Support::ErrorException& e)
-    {
-        EXPECT_EQ(u"DSDecryptError", e.GetMessageKey());
-        EXPECT_EQ(u"ProxyEncryptedPWD", e.GetParameters().at(1));
-    }
+
+    auto config = Load();
+    const auto errors = config->GetSecretRecoveryErrors();
+    ASSERT_EQ(1u, errors.size());
+    EXPECT_EQ(u"DSDecryptError", errors[0].GetMessageKey());
+    EXPECT_EQ(u"ProxyEncryptedPWD", errors[0].GetParameters().at(1));
     EXPECT_EQ(before, StoreBytes());
+
+    // The other settings can still be edited; the damaged value is written back as it was.
+    config->SetSetting(u"SocketTimeout", u"99");
+    config->Save();
+    EXPECT_EQ(stored, Stored(u"ProxyEncryptedPWD"));
 }
 
 TEST_F(DriverSecrets, AMissingCryptoLibraryFailsTheSaveBeforeAnythingIsWritten)

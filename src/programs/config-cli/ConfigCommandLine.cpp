@@ -143,6 +143,10 @@ int ConfigCommandLine::Run(const std::vector<tarni_wstring>& in_arguments)
         DriverSupport::DSPrefixedPropertyGroup httpHeaders("http.header.");
         QDCConfiguration config(serverSideProperties, httpHeaders, &logger, *store);
         config.Load();
+        for (const auto& error : config.GetSecretRecoveryErrors())
+        {
+            m_err << "tarni-spark-config: warning: " << Describe(error) << "\n";
+        }
 
         int result = RESULT_OK;
         if (command == u"show")

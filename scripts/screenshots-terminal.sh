@@ -1,0 +1,84 @@
+#!/usr/bin/env bash
+# Screenshots of the terminal dialogs: runs the Linux dialog program in an
+# 80x24 tmux terminal of its own, drives it with the keyboard and renders
+# each screen to docs/screenshots/terminal-*.png (ImageMagick; the screen's
+# text is kept beside each picture as .txt). Usage:
+#   scripts/screenshots-terminal.sh [path/to/tarni-spark-driver-config]
+set -euo pipefail
+
+root="$(cd "$(dirname "$0")/.." && pwd)"
+program="${1:-$root/build/linux/bin/tarni-spark-driver-config}"
+out="$root/docs/screenshots"
+[ -x "$program" ] || { echo "screenshots-terminal: build $program first" >&2; exit 1; }
+command -v tmux >/dev/null && command -v convert >/dev/null ||
+  { echo "screenshots-terminal: tmux and ImageMagick are needed (scripts/install-deps.sh)" >&2; exit 1; }
+
+work="$(mktemp -d)"
+socket="tarni-shots-$$"
+cleanup() { tmux -L "$socket" kill-server 2>/dev/null || true; rm -rf "$work"; }
+trap cleanup EXIT
+
+# A copy of the program beside product settings that offer ZooKeeper, and a
+# driver configuration to show.
+cp "$program" "$work/tarni-spark-driver-config"
+printf 'supported-service-discovery-modes=ZooKeeper,AOSS\n' > "$work/SparkODBC.did"
+printf '[Driver]\nSparkServerType=3\nServiceDiscoveryMode=ZooKeeper\nZKNamespace=hiveserver2\nAuthMech=3\nUID=alice\nThriftTransport=1\n' \
+  > "$work/odbc.ini"
+
+tmux -u -L "$socket" -f /dev/null new-session -d -x 80 -y 24 -e LANG=C.UTF-8 -e TERM=screen \
+  "cd '$work' && SPARKINI='$work/odbc.ini' XDG_CONFIG_HOME='$work' ./tarni-spark-driver-config; sleep 5"
+
+key() { tmux -L "$socket" send-keys "$@"; sleep 0.25; }
+wait_for() {  # text, bounded wait
+  for _ in $(seq 1 100); do
+    tmux -L "$socket" capture-pane -p | grep -qF -- "$1" && return 0
+    sleep 0.1
+  done
+  echo "screenshots-terminal: \"$1\" never appeared" >&2; exit 1
+}
+status_is() {  # Tab until the status line begins with the text
+  for _ in $(seq 1 40); do
+    tmux -L "$socket" capture-pane -p | tail -n 1 | grep -q "^ $1" && return 0
+    key Tab
+  done
+  echo "screenshots-terminal: \"$1\" never took the focus" >&2; exit 1
+}
+shot() {  # name
+  tmux -L "$socket" capture-pane -p -e > "$work/$1.ansi"
+  tmux -L "$socket" capture-pane -p > "$out/$1.txt"
+  if command -v python3 >/dev/null; then
+    python3 "$root/scripts/render-terminal-capture.py" "$work/$1.ansi" "$work/$1.mvg" 80 24
+    convert "mvg:$work/$1.mvg" "$out/$1.png"
+  else
+    convert -background '#1e1e2e' -fill '#e8e8e8' -font DejaVu-Sans-Mono -pointsize 14 \
+      "label:@$out/$1.txt" "$out/$1.png"
+  fi
+  echo "screenshots-terminal: $out/$1.png"
+}
+
+mkdir -p "$out"
+wait_for "Tarni Spark ODBC Driver Configuration"
+shot terminal-driver-configuration
+
+key Tab; key Tab
+key Space
+wait_for "No Service Discovery"
+shot terminal-service-discovery-list
+key Escape
+
+status_is "Service Discovery Options"
+key Enter
+wait_for "ZooKeeper Namespace:"
+shot terminal-zookeeper-options
+key C-u
+sleep 0.3
+shot terminal-zookeeper-options-empty
+key Escape
+
+status_is "Password Options"
+key Enter
+wait_for "All Users of this Machine"
+key Down; key Space
+shot terminal-password-options
+key Escape
+key Escape

@@ -1,0 +1,376 @@
+// The Linux dialog program on the terminal host, driven through tmux in an
+// 80x24 terminal as a user would drive it: the main dialog, Cancel and OK,
+// Password Options and ZooKeeper Options with the keyboard, and the terminal
+// given back after every way out, signals included.
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <thread>
+
+#include "TmuxSession.h"
+
+namespace Tarni::Testing
+{
+namespace
+{
+constexpr const char* TITLE = "Tarni Spark ODBC Driver Configuration";
+
+std::string ReadFile(const std::filesystem::path& in_path)
+{
+    std::ifstream in(in_path, std::ios::binary);
+    std::ostringstream out;
+    out << in.rdbuf();
+    return out.str();
+}
+
+int RowOf(const std::string& in_screen, const std::string& in_text)
+{
+    std::istringstream in(in_screen);
+    std::string line;
+    for (int row = 0; std::getline(in, line); ++row)
+    {
+        if (line.find(in_text) != std::string::npos)
+        {
+            return row;
+        }
+    }
+    return -1;
+}
+
+std::string LastLine(const std::string& in_screen)
+{
+    std::string trimmed = in_screen;
+    while (!trimmed.empty() && trimmed.back() == '\n')
+    {
+        trimmed.pop_back();
+    }
+    return trimmed.substr(trimmed.rfind('\n') + 1);
+}
+
+class DriverConfigTerminalTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
+        m_folder = std::filesystem::temp_directory_path() /
+                   ("tarni-terminal-" + std::to_string(::getpid()) + "-" + info->name());
+        std::filesystem::remove_all(m_folder);
+        std::filesystem::create_directories(m_folder / "config");
+    }
+    void TearDown() override
+    {
+        m_session.reset();
+        std::filesystem::remove_all(m_folder);
+    }
+
+    /// Writes the INI file and starts the program on it. With in_productData
+    /// the program runs from a copy beside a product data file of that text.
+    void Start(const std::string& in_ini, const std::string& in_productData = {})
+    {
+        std::ofstream(m_folder / "odbc.ini", std::ios::binary) << in_ini;
+        std::string program = TARNI_DRIVER_CONFIG_EXE;
+        if (!in_productData.empty())
+        {
+            std::filesystem::copy_file(program, m_folder / "tarni-spark-driver-config");
+            std::ofstream(m_folder / "SparkODBC.did") << in_productData;
+            program = (m_folder / "tarni-spark-driver-config").string();
+        }
+        m_session = std::make_unique<TmuxSession>(
+            m_folder.string(),
+            "export SPARKINI=\"$PWD/odbc.ini\" XDG_CONFIG_HOME=\"$PWD/config\" HOME=\"$PWD\"\n"
+            "echo BEFORE-RUN\n"
+            "stty -g > stty-before.txt\n"
+            "'" + program + "'\n"
+            "echo \"EXIT=$?\"\n"
+            "stty -g > stty-after.txt\n"
+            "echo RUN-DONE\n"
+            "sleep 600\n");
+        ASSERT_TRUE(m_session->WaitForText(TITLE)) << m_session->Screen();
+    }
+
+    /// Waits for the program to end; its exit code.
+    int Finish()
+    {
+        EXPECT_TRUE(m_session->WaitForText("RUN-DONE")) << m_session->Screen();
+        const std::string screen = m_session->Screen();
+        const auto at = screen.find("EXIT=");
+        return at == std::string::npos ? -1000 : std::stoi(screen.substr(at + 5));
+    }
+
+    /// The terminal is as it was before the program: its modes, and the
+    /// shell's screen instead of the dialog.
+    void ExpectTerminalRestored()
+    {
+        EXPECT_EQ(ReadFile(m_folder / "stty-before.txt"), ReadFile(m_folder / "stty-after.txt"));
+        const std::string screen = m_session->Screen();
+        EXPECT_NE(screen.find("BEFORE-RUN"), std::string::npos) << screen;
+        EXPECT_EQ(screen.find(TITLE), std::string::npos) << screen;
+    }
+
+    /// Tabs until the caret is in the edit field on the row of the label.
+    void FocusFieldOf(const std::string& in_label)
+    {
+        for (int i = 0; i < 40; ++i)
+        {
+            const int row = RowOf(m_session->Screen(), in_label);
+            ASSERT_GE(row, 0) << in_label;
+            if (m_session->CursorRow() == row)
+            {
+                return;
+            }
+            m_session->Key("Tab");
+        }
+        FAIL() << "the field of " << in_label << " never took the focus:\n" << m_session->Screen();
+    }
+
+    /// Tabs until the status line names the button.
+    void FocusButton(const std::string& in_label)
+    {
+        for (int i = 0; i < 40; ++i)
+        {
+            if (LastLine(m_session->Screen()).rfind(" " + in_label, 0) == 0)
+            {
+                return;
+            }
+            m_session->Key("Tab");
+        }
+        FAIL() << in_label << " never took the focus:\n" << m_session->Screen();
+    }
+
+    std::string Ini() const { return ReadFile(m_folder / "odbc.ini"); }
+
+    std::filesystem::path m_folder;
+    std::unique_ptr<TmuxSession> m_session;
+};
+}  // namespace
+
+TEST_F(DriverConfigTerminalTest, EscapeCancelsWithoutTouchingTheStoreAndRestoresTheTerminal)
+{
+    const std::string ini = "; kept as it is\n[ODBC]\nTrace=no\n\n[Driver]\nSparkServerType=3\nAuthMech=3\nUID=alice\n";
+    Start(ini);
+    const std::string screen = m_session->Screen();
+    for (const char* text : {"Spark Server Type:", "SparkThriftServer (Spark 1.1 and later)", "Authentication",
+                             "User Name and Password", "[alice", "<< OK >>", "< Cancel >"})
+    {
+        EXPECT_NE(screen.find(text), std::string::npos) << text << "\n" << screen;
+    }
+    // Nothing of the frame leaves an 80x24 terminal.
+    EXPECT_NE(RowOf(screen, TITLE), -1);
+    m_session->Key("Escape");
+    EXPECT_EQ(Finish(), 0);
+    EXPECT_EQ(Ini(), ini);
+    ExpectTerminalRestored();
+}
+
+TEST_F(DriverConfigTerminalTest, EnterOnOkWritesTheConfigurationAndExitsWithOne)
+{
+    Start("[Driver]\nSparkServerType=3\nAuthMech=3\nUID=alice\n");
+    FocusFieldOf("User Name:");
+    m_session->Key("C-u");
+    m_session->Type("bob smith");
+    ASSERT_TRUE(m_session->WaitForText("[bob smith"));
+    FocusFieldOf("Delegation UID:");
+    m_session->Type("proxy-user");
+    m_session->Key("Enter");
+    EXPECT_EQ(Finish(), 1);
+    const std::string ini = Ini();
+    EXPECT_NE(ini.find("UID=bob smith\n"), std::string::npos) << ini;
+    EXPECT_NE(ini.find("DelegationUID=proxy-user\n"), std::string::npos) << ini;
+    EXPECT_NE(ini.find("SparkServerType=3\n"), std::string::npos) << ini;
+    ExpectTerminalRestored();
+}
+
+TEST_F(DriverConfigTerminalTest, PasswordOptionsChooseTheScopeWithTheKeyboard)
+{
+    Start("[Driver]\nSparkServerType=3\nAuthMech=3\nUID=alice\n");
+    FocusFieldOf("Password:");
+    m_session->Type("s3cret");
+    ASSERT_TRUE(m_session->WaitForText("[******"));
+    EXPECT_EQ(m_session->Screen().find("s3cret"), std::string::npos);
+
+    // Cancel leaves the choice as it was.
+    FocusButton("Password Options...");
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitForText("All Users of this Machine")) << m_session->Screen();
+    const std::string before = m_session->LineWith("Current User Only") + m_session->LineWith("All Users");
+    m_session->Key("Down");
+    m_session->Key("Space");
+    ASSERT_TRUE(m_session->WaitForText("(*) All Users of this Machine")) << m_session->Screen();
+    m_session->Key("Escape");
+    ASSERT_TRUE(m_session->WaitFor([](const std::string& s) { return s.find("All Users of") == std::string::npos; }));
+    m_session->Key("Enter");  // the button still has the focus
+    ASSERT_TRUE(m_session->WaitForText("All Users of this Machine"));
+    EXPECT_EQ(m_session->LineWith("Current User Only") + m_session->LineWith("All Users"), before);
+
+    // OK keeps it, and the main dialog's OK stores the password protected.
+    m_session->Key("Down");
+    m_session->Key("Space");
+    ASSERT_TRUE(m_session->WaitForText("(*) All Users of this Machine"));
+    EXPECT_NE(m_session->LineWith("( ) Current User Only"), "");
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitFor([](const std::string& s) { return s.find("All Users of") == std::string::npos; }));
+    m_session->Key("Escape");  // Cancel of the main dialog stores nothing at all
+    EXPECT_EQ(Finish(), 0);
+    EXPECT_EQ(Ini().find("PWD"), std::string::npos);
+}
+
+TEST_F(DriverConfigTerminalTest, PasswordOptionsShowTheChoiceMadeBeforeWhenOpenedAgain)
+{
+    Start("[Driver]\nSparkServerType=3\nAuthMech=3\nUID=alice\n");
+    FocusButton("Password Options...");
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitForText("All Users of this Machine"));
+    // Tab leaves the group of radio buttons for OK; Shift-Tab comes back to it.
+    m_session->Key("Tab");
+    ASSERT_TRUE(m_session->WaitFor([](const std::string& s) { return LastLine(s).rfind(" OK ", 0) == 0; }))
+        << m_session->Screen();
+    m_session->Key("BTab");
+    m_session->Key("Down");
+    m_session->Key("Space");
+    ASSERT_TRUE(m_session->WaitForText("(*) All Users of this Machine"));
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitFor([](const std::string& s) { return s.find("All Users of") == std::string::npos; }));
+    m_session->Key("Enter");  // the button still has the focus
+    ASSERT_TRUE(m_session->WaitForText("(*) All Users of this Machine")) << m_session->Screen();
+    EXPECT_NE(m_session->LineWith("( ) Current User Only"), "");
+    m_session->Key("Escape");
+    ASSERT_TRUE(m_session->WaitFor([](const std::string& s) { return s.find("All Users of") == std::string::npos; }));
+    m_session->Key("Escape");
+    EXPECT_EQ(Finish(), 0);
+    ExpectTerminalRestored();
+}
+
+TEST_F(DriverConfigTerminalTest, ZooKeeperOkGreysOutWhileTheNamespaceIsEmpty)
+{
+    Start("[Driver]\nSparkServerType=3\nServiceDiscoveryMode=ZooKeeper\nZKNamespace=ns1\n",
+          "supported-service-discovery-modes=ZooKeeper,AOSS\n");
+    FocusButton("Service Discovery Options...");
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitForText("ZooKeeper Namespace:")) << m_session->Screen();
+    EXPECT_NE(m_session->LineWith("ZooKeeper Namespace:").find("[ns1"), std::string::npos);
+
+    // The first OK from the top is the ZooKeeper dialog's: dim while empty.
+    auto firstOk = [](const std::string& in_screen) {
+        const auto at = in_screen.find("<< OK >>");
+        return at == std::string::npos ? std::string() : in_screen.substr(at < 8 ? 0 : at - 8, 16);
+    };
+    m_session->Key("C-u");
+    ASSERT_TRUE(m_session->WaitFor([&](const std::string& s) { return firstOk(s).find("\x1b[2m") != std::string::npos; },
+                                   true))
+        << m_session->Screen(true);
+    m_session->Key("Enter");  // a disabled OK does nothing
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    EXPECT_NE(m_session->Screen().find("ZooKeeper Namespace:"), std::string::npos);
+
+    m_session->Type("prod");
+    ASSERT_TRUE(m_session->WaitFor([&](const std::string& s) { return firstOk(s).find("\x1b[2m") == std::string::npos; },
+                                   true));
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitFor([](const std::string& s) { return s.find("ZooKeeper Namespace:") == std::string::npos; }));
+    // Escape in the dialog keeps the namespace: open it again and cancel.
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitForText("ZooKeeper Namespace:"));
+    EXPECT_NE(m_session->LineWith("ZooKeeper Namespace:").find("[prod"), std::string::npos);
+    m_session->Key("C-u");
+    m_session->Key("Escape");
+    ASSERT_TRUE(m_session->WaitFor([](const std::string& s) { return s.find("ZooKeeper Namespace:") == std::string::npos; }));
+    FocusButton("OK");
+    m_session->Key("Enter");
+    EXPECT_EQ(Finish(), 1);
+    EXPECT_NE(Ini().find("ZKNamespace=prod\n"), std::string::npos) << Ini();
+    ExpectTerminalRestored();
+}
+
+TEST_F(DriverConfigTerminalTest, ADropDownListChoosesWithTheKeyboardAndTheDialogFollowsAtOnce)
+{
+    const std::string ini = "[Driver]\nSparkServerType=3\n";
+    Start(ini, "supported-service-discovery-modes=ZooKeeper,AOSS\n");
+    // The first drop-down has the focus; the next one is Service Discovery Mode.
+    ASSERT_EQ(LastLine(m_session->Screen()).rfind(" Space: open list", 0), 0u) << m_session->Screen();
+    for (int i = 0; i < 10; ++i)
+    {
+        m_session->Key("Tab");
+        if (LastLine(m_session->Screen()).rfind(" Space: open list", 0) == 0)
+        {
+            break;
+        }
+    }
+    auto optionsDim = [this]() {
+        return m_session->LineWith("Service Discovery Op", true).find("\x1b[2m<Service") != std::string::npos;
+    };
+    EXPECT_TRUE(optionsDim()) << m_session->LineWith("Service Discovery Op", true);
+
+    m_session->Key("Space");
+    ASSERT_TRUE(m_session->WaitForText("AOSS")) << m_session->Screen();
+    m_session->Key("Down");
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitFor([](const std::string& s) { return s.find("AOSS") == std::string::npos; }));
+    EXPECT_NE(m_session->LineWith("Service Discovery Mode:").find("[ZooKeeper"), std::string::npos);
+    EXPECT_FALSE(optionsDim()) << "CBN_SELCHANGE reached the dialog, which enabled the options";
+
+    // Escape closes the list without a choice, also after moving in it.
+    m_session->Key("Space");
+    ASSERT_TRUE(m_session->WaitForText("AOSS"));
+    m_session->Key("a");
+    m_session->Key("Escape");
+    ASSERT_TRUE(m_session->WaitFor([](const std::string& s) { return s.find("AOSS") == std::string::npos; }));
+    EXPECT_NE(m_session->LineWith("Service Discovery Mode:").find("[ZooKeeper"), std::string::npos);
+    m_session->Key("Escape");
+    EXPECT_EQ(Finish(), 0);
+    EXPECT_EQ(Ini(), ini);
+}
+
+TEST_F(DriverConfigTerminalTest, TerminatingSignalsGiveTheTerminalBack)
+{
+    for (const int signal : {SIGTERM, SIGINT})
+    {
+        const std::string ini = "[Driver]\nSparkServerType=3\n";
+        Start(ini);
+        const int pid = m_session->ChildPid();
+        ASSERT_GT(pid, 0);
+        ASSERT_EQ(::kill(pid, signal), 0);
+        EXPECT_EQ(Finish(), 128 + signal);
+        EXPECT_EQ(Ini(), ini);
+        ExpectTerminalRestored();
+        m_session.reset();
+        std::filesystem::remove(m_folder / "session.sh");
+    }
+}
+
+TEST_F(DriverConfigTerminalTest, FollowsAResizeOfTheTerminal)
+{
+    Start("[Driver]\nSparkServerType=3\n");
+    // Narrower and lower than the dialog: it is scaled to the width and scrolls.
+    m_session->Resize(60, 16);
+    auto fits = [](const std::string& in_screen) {
+        std::istringstream in(in_screen);
+        std::string line;
+        int rows = 0;
+        while (std::getline(in, line))
+        {
+            ++rows;
+            // Display width: count the characters, not the bytes of UTF-8.
+            const auto width = std::count_if(line.begin(), line.end(), [](char c) { return (c & 0xC0) != 0x80; });
+            if (width > 60)
+            {
+                return false;
+            }
+        }
+        return rows <= 16 && in_screen.find(TITLE) != std::string::npos;
+    };
+    ASSERT_TRUE(m_session->WaitFor(fits)) << m_session->Screen();
+    EXPECT_EQ(m_session->Screen().find("< Cancel >"), std::string::npos) << m_session->Screen();
+    // Shift-Tab from the first control reaches Cancel at the bottom, which scrolls into view.
+    m_session->Key("BTab");
+    EXPECT_TRUE(m_session->WaitForText("Cancel>>")) << m_session->Screen();
+    m_session->Resize(80, 24);
+    EXPECT_TRUE(m_session->WaitForText("Spark Server Type:"));
+    m_session->Key("Escape");
+    EXPECT_EQ(Finish(), 0);
+}
+}  // namespace Tarni::Testing

@@ -1,0 +1,222 @@
+// The configuration run on the scripted host over the platform's real store
+// (the INI file on Linux, Wine's registry under the mingw build): OK saves and
+// exits with 1; Cancel, Escape and the close box exit with 0 and leave the
+// store exactly as it was; a missing template exits with -1 and still saves.
+#include "programs/driver-config/SODriverConfigRun.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <map>
+
+#include "driversupport/DSProductHelper.h"
+#include "platform/SettingsStoreFactory.h"
+#include "platform/dialog/DialogConstants.h"
+#include "platform/scripted/ScriptedDialogHost.h"
+#include "resource.h"
+#include "support/StringConverter.h"
+
+using namespace Tarni;
+using namespace Tarni::Platform;
+using Tarni::DriverSupport::DSProductHelper;
+using Tarni::SparkODBC::SODriverConfigRun;
+using Tarni::Support::StringConverter;
+
+namespace
+{
+using Snapshot = std::map<tarni_wstring, tarni_wstring>;
+
+class SODriverConfigRunTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        const auto stamp = std::chrono::steady_clock::now().time_since_epoch().count();
+        m_folder = std::filesystem::temp_directory_path() / ("tarni-run-" + std::to_string(stamp));
+        std::filesystem::create_directories(m_folder);
+        m_options.iniPath = StringConverter::FromUtf8((m_folder / "odbc.ini").string());
+        m_token = StringConverter::FromAscii("uid-" + std::to_string(stamp));
+    }
+
+    void TearDown() override
+    {
+        DSProductHelper::LoadProductSettings(StringConverter::FromUtf8((m_folder / "absent.did").string()));
+        std::error_code ignored;
+        std::filesystem::remove_all(m_folder, ignored);
+    }
+
+    Snapshot Stored() const
+    {
+        auto store = SettingsStoreFactory::OpenDriverStore(DSProductHelper::GetDriverStoreLocation(m_options.iniPath));
+        Snapshot values;
+        for (const auto& value : store->ReadAll())
+        {
+            values[value.name] = value.value;
+        }
+        return values;
+    }
+
+    int Run(ScriptedDialogHost::DialogScript in_script)
+    {
+        m_host.ExpectDialog(IDD_DRIVER_CONFIG, std::move(in_script));
+        return SODriverConfigRun::Run(m_host, m_options);
+    }
+
+    std::filesystem::path m_folder;
+    SODriverConfigRun::Options m_options;
+    ScriptedDialogHost m_host;
+    tarni_wstring m_token;
+};
+}  // namespace
+
+TEST_F(SODriverConfigRunTest, TheMainDialogShowsTheConfigurationAndOkSavesIt)
+{
+    // The registry outlives a test run: start from known stored values.
+    {
+        auto store =
+            SettingsStoreFactory::OpenDriverStore(DSProductHelper::GetDriverStoreLocation(m_options.iniPath));
+        const std::pair<const char16_t*, const char16_t*> known[] = {
+            {u"SparkServerType", u"3"}, {u"AuthMech", u"2"}, {u"ThriftTransport", u"0"},
+            {u"ServiceDiscoveryMode", u"No Service Discovery"}, {u"KrbServiceName", u"spark"},
+            {u"KrbHostFQDN", u"_HOST"}, {u"ServicePrincipalCanonicalization", u"1"}};
+        for (const auto& [name, value] : known)
+        {
+            store->WriteValue(name, value);
+        }
+    }
+    const int result = Run([&](ScriptedDialogWindow& w) {
+        EXPECT_EQ(w.GetTitle(), u"Tarni Spark ODBC Driver Configuration");
+        EXPECT_EQ(w.Items(IDC_SERVER_TYPE).size(), 4u);
+        EXPECT_EQ(w.SelectedText(IDC_SERVER_TYPE), u"SparkThriftServer (Spark 1.1 and later)");
+        EXPECT_EQ(w.SelectedText(IDC_AUTH_MECH), u"User Name");
+        EXPECT_EQ(w.SelectedText(IDC_SERVICE_DISCOVERY_MODE), u"No Service Discovery");
+        EXPECT_EQ(w.SelectedText(IDC_THRIFT_TRANSPORT), u"Binary");
+        EXPECT_EQ(w.Text(IDC_KRB_SERVICE_NAME), u"spark");
+        EXPECT_EQ(w.Text(IDC_KRB_HOST_FQDN), u"_HOST");
+        EXPECT_EQ(w.Text(IDC_VERSION_LABEL), u"v2.7.5.1012 (64 bit)");
+        EXPECT_TRUE(w.Checked(IDC_CANONICALIZE_PRINCIPAL));
+        w.Type(IDC_DELEGATION_UID, m_token);
+        w.SelectCombo(IDC_THRIFT_TRANSPORT, u"HTTP");
+        w.Click(IDOK);
+    });
+    EXPECT_EQ(result, 1);
+    const Snapshot stored = Stored();
+    EXPECT_EQ(stored.at(u"DelegationUID"), m_token);
+    EXPECT_EQ(stored.at(u"ThriftTransport"), u"2");
+    EXPECT_EQ(stored.at(u"SparkServerType"), u"3");
+}
+
+TEST_F(SODriverConfigRunTest, CancelEscapeAndTheCloseBoxExitWithZeroAndWriteNothing)
+{
+    ASSERT_EQ(Run([&](ScriptedDialogWindow& w) {
+                  w.Type(IDC_DELEGATION_UID, m_token);
+                  w.Click(IDOK);
+              }),
+              1);
+    const Snapshot before = Stored();
+    const std::filesystem::path ini = m_folder / "odbc.ini";
+    const bool haveFile = std::filesystem::exists(ini);
+    std::string bytesBefore;
+    if (haveFile)
+    {
+        std::ifstream in(ini, std::ios::binary);
+        bytesBefore.assign(std::istreambuf_iterator<char>(in), {});
+    }
+
+    using Action = void (*)(ScriptedDialogWindow&);
+    const Action closers[] = {[](ScriptedDialogWindow& w) { w.Click(IDCANCEL); },
+                              [](ScriptedDialogWindow& w) { w.PressEscape(); },
+                              [](ScriptedDialogWindow& w) { w.PressCloseBox(); }};
+    for (Action close : closers)
+    {
+        EXPECT_EQ(Run([close](ScriptedDialogWindow& w) {
+                      w.Type(IDC_DELEGATION_UID, u"changed");
+                      w.SelectCombo(IDC_SERVER_TYPE, u"DFI");
+                      close(w);
+                  }),
+                  0);
+        EXPECT_EQ(Stored(), before);
+        if (haveFile)
+        {
+            std::ifstream in(ini, std::ios::binary);
+            EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}), bytesBefore);
+        }
+    }
+}
+
+TEST_F(SODriverConfigRunTest, AMissingTemplateExitsWithMinusOneAndStillSaves)
+{
+    m_options.templateId = 4242;
+    EXPECT_EQ(SODriverConfigRun::Run(m_host, m_options), -1);
+    const Snapshot stored = Stored();
+    EXPECT_EQ(stored.count(u"SparkServerType"), 1u);
+    EXPECT_EQ(stored.count(u"KrbServiceName"), 1u);
+}
+
+TEST_F(SODriverConfigRunTest, ZooKeeperAndPasswordOptionsOpenFromTheMainDialog)
+{
+    const auto settings = m_folder / "SparkODBC.did";
+    std::ofstream(settings) << "supported-service-discovery-modes=ZooKeeper,AOSS\n";
+    DSProductHelper::LoadProductSettings(StringConverter::FromUtf8(settings.string()));
+
+    // Dialogs open in this order: the main dialog, then the two it opens.
+    m_host.ExpectDialog(IDD_DRIVER_CONFIG, [](ScriptedDialogWindow& w) {
+        EXPECT_EQ(w.Items(IDC_SERVICE_DISCOVERY_MODE),
+                  (std::vector<tarni_wstring>{u"No Service Discovery", u"ZooKeeper", u"AOSS"}));
+        EXPECT_FALSE(w.Enabled(IDC_SERVICE_DISCOVERY_OPTIONS));
+        w.SelectCombo(IDC_SERVICE_DISCOVERY_MODE, u"ZooKeeper");
+        w.Click(IDC_SERVICE_DISCOVERY_OPTIONS);
+        w.SelectCombo(IDC_AUTH_MECH, u"User Name and Password");
+        w.Type(IDC_USER_NAME, u"alice");
+        w.Type(IDC_PASSWORD, u"s3cret");
+        w.Click(IDC_PASSWORD_OPTIONS);
+        w.Click(IDOK);
+    });
+    m_host.ExpectDialog(IDD_ZOOKEEPER_OPTIONS, [](ScriptedDialogWindow& w) {
+        EXPECT_EQ(w.GetParent()->GetTemplateId(), static_cast<unsigned>(IDD_DRIVER_CONFIG));
+        w.Type(IDC_ZK_NAMESPACE, u"hiveserver2");
+        w.Click(IDOK);
+    });
+    m_host.ExpectDialog(IDD_PASSWORD_OPTIONS, [](ScriptedDialogWindow& w) {
+        w.Click(IDC_PWD_ALL_USERS);
+        w.Click(IDOK);
+    });
+    const int result = SODriverConfigRun::Run(m_host, m_options);
+    EXPECT_EQ(result, 1);
+    const Snapshot stored = Stored();
+    EXPECT_EQ(stored.at(u"ServiceDiscoveryMode"), u"ZooKeeper");
+    EXPECT_EQ(stored.at(u"ZKNamespace"), u"hiveserver2");
+    EXPECT_EQ(stored.at(u"AuthMech"), u"3");
+    EXPECT_EQ(stored.at(u"UID"), u"alice");
+    EXPECT_EQ(stored.count(u"PWD"), 0u) << "a plain password never reaches the store";
+}
+
+TEST_F(SODriverConfigRunTest, APasswordWithoutAnEncryptionScopeIsDroppedAndTheUserIsTold)
+{
+    m_host.ExpectDialog(IDD_DRIVER_CONFIG, [](ScriptedDialogWindow& w) {
+        w.SelectCombo(IDC_AUTH_MECH, u"User Name and Password");
+        w.Type(IDC_USER_NAME, u"bob");
+        w.Type(IDC_PASSWORD, u"pa55word");
+        w.Click(IDC_PASSWORD_OPTIONS);
+        w.Click(IDOK);
+    });
+    m_host.ExpectDialog(IDD_PASSWORD_OPTIONS, [](ScriptedDialogWindow& w) {
+        // Neither scope: the password is not to be saved.
+        w.CheckButton(IDC_PWD_CURRENT_USER_ONLY, false);
+        w.CheckButton(IDC_PWD_ALL_USERS, false);
+        w.Click(IDOK);
+    });
+    m_host.ExpectMessageBox(IDOK);
+    EXPECT_EQ(SODriverConfigRun::Run(m_host, m_options), 1);
+    ASSERT_EQ(m_host.GetMessageBoxes().size(), 1u);
+    const auto& box = m_host.GetMessageBoxes().front();
+    EXPECT_EQ(box.caption, u"Credentials Not Saved");
+    EXPECT_EQ(box.flags, 0x30u);
+    EXPECT_EQ(box.ownerTemplate, static_cast<unsigned>(IDD_DRIVER_CONFIG));
+    EXPECT_NE(box.text.find(u"The value of the PWD configuration is not being saved."), tarni_wstring::npos);
+    const Snapshot stored = Stored();
+    EXPECT_EQ(stored.count(u"PWD"), 0u);
+    EXPECT_EQ(stored.count(u"EncryptedPWD"), 0u);
+}
