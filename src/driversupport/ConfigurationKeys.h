@@ -154,6 +154,8 @@ TARNI_KEY(keyFilePassword, u"keyFilePassword");
 TARNI_KEY(EncryptedKeyFilePassword, u"EncryptedKeyFilePassword");
 TARNI_KEY(OCIIgnoreDriverNoPrompt, u"OCIIgnoreDriverNoPrompt");
 TARNI_KEY(EnableSamlCookieCaching, u"EnableSamlCookieCaching");
+// "1": the SAML_2.0 mechanism also takes the user name and password of the data source.
+TARNI_KEY(SSOUseCredentials, u"SSOUseCredentials");
 
 // Prefixed property groups.
 TARNI_KEY(SSP_Prefix, u"SSP_");

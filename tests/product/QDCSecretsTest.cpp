@@ -58,7 +58,10 @@ protected:
         DSUidPwdConfiguration::SetEncryptionOptionsEnabled(true);
         DSUidPwdConfiguration::SetDropPlainPasswordOnSave(true);
         m_location.iniPath = Support::StringConverter::FromUtf8((m_dir / "odbc-driver.ini").string());
-        m_location.registryPath = u"SOFTWARE\\Tarni Test\\DriverSecrets\\Driver";
+        // A key of its own per test: CTest runs tests in parallel processes.
+        m_location.registryPath =
+            u"SOFTWARE\\Tarni Test\\DriverSecrets\\" +
+            Support::StringConverter::FromUtf8(::testing::UnitTest::GetInstance()->current_test_info()->name());
         m_store = Platform::SettingsStoreFactory::OpenDriverStore(m_location);
         Clear();
     }

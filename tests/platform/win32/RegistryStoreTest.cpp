@@ -7,14 +7,20 @@ using Tarni::Platform::RegistryStore;
 
 namespace
 {
-const char16_t* const TEST_KEY = u"SOFTWARE\\Tarni Test\\RegistryStoreTest\\Driver";
+// A key of its own per test: CTest runs tests in parallel processes.
+std::u16string TestKey()
+{
+    const std::string name = ::testing::UnitTest::GetInstance()->current_test_info()->name();
+    return u"SOFTWARE\\Tarni Test\\RegistryStoreTest\\" + std::u16string(name.begin(), name.end());
+}
 
 class RegistryStoreTest : public ::testing::Test
 {
 protected:
     void SetUp() override { m_store.DeleteKey(); }
     void TearDown() override { m_store.DeleteKey(); }
-    RegistryStore m_store{HKEY_LOCAL_MACHINE, TEST_KEY};
+    const std::u16string m_key = TestKey();
+    RegistryStore m_store{HKEY_LOCAL_MACHINE, m_key};
 };
 }  // namespace
 
@@ -26,7 +32,7 @@ TEST_F(RegistryStoreTest, RoundTripsRegSzValuesWithTheTerminatorCounted)
     m_store.WriteValue(u"Lines", u"a\r\nb");
 
     HKEY key = nullptr;
-    ASSERT_EQ(ERROR_SUCCESS, RegOpenKeyExW(HKEY_LOCAL_MACHINE, reinterpret_cast<const wchar_t*>(TEST_KEY), 0,
+    ASSERT_EQ(ERROR_SUCCESS, RegOpenKeyExW(HKEY_LOCAL_MACHINE, reinterpret_cast<const wchar_t*>(m_key.c_str()), 0,
                                            KEY_READ, &key));
     DWORD type = 0;
     DWORD size = 0;

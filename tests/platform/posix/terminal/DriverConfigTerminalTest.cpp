@@ -374,3 +374,36 @@ TEST_F(DriverConfigTerminalTest, FollowsAResizeOfTheTerminal)
     EXPECT_EQ(Finish(), 0);
 }
 }  // namespace Tarni::Testing
+
+namespace Tarni::Testing
+{
+TEST_F(DriverConfigTerminalTest, SwitchingToDfiAndBackRestoresMechanismAndTransport)
+{
+    Start("[Driver]\nSparkServerType=3\nAuthMech=1\nThriftTransport=2\n");
+    // The server type list has the focus; DFI is the entry after the current one.
+    m_session->Key("Space");
+    ASSERT_TRUE(m_session->WaitForText("SharkServer2")) << m_session->Screen();
+    m_session->Key("Down");
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitFor([](const std::string& s) { return s.find("SharkServer2") == std::string::npos; }));
+    EXPECT_NE(m_session->LineWith("Spark Server Type:").find("[DFI"), std::string::npos) << m_session->Screen();
+    EXPECT_NE(m_session->LineWith("Mechanism:").find("[User Name and Password"), std::string::npos);
+    EXPECT_NE(m_session->LineWith("Thrift Transport:").find("[HTTP"), std::string::npos);
+
+    m_session->Key("Space");
+    ASSERT_TRUE(m_session->WaitForText("SharkServer2"));
+    m_session->Key("Up");
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitFor([](const std::string& s) { return s.find("SharkServer2") == std::string::npos; }));
+    EXPECT_NE(m_session->LineWith("Mechanism:").find("[Kerberos"), std::string::npos) << m_session->Screen();
+    EXPECT_NE(m_session->LineWith("Thrift Transport:").find("[HTTP"), std::string::npos);
+    m_session->Key("Enter");  // the default button: OK
+    EXPECT_EQ(Finish(), 1);
+    const std::string ini = Ini();
+    for (const char* line : {"SparkServerType=3\n", "AuthMech=1\n", "ThriftTransport=2\n"})
+    {
+        EXPECT_NE(ini.find(line), std::string::npos) << line << ini;
+    }
+    ExpectTerminalRestored();
+}
+}  // namespace Tarni::Testing

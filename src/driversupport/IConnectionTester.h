@@ -1,0 +1,39 @@
+#pragma once
+// The connection attempt behind the Test button of the DSN setup: it takes a
+// data source's configuration and tries to connect with it. The driver's own
+// connect path implements it; a build without one uses
+// DSUnavailableConnectionTester, which says so.
+#include "support/TarniString.h"
+
+namespace Tarni::DriverSupport
+{
+class DSDSNConfiguration;
+
+class IConnectionTester
+{
+public:
+    struct Outcome
+    {
+        enum class Status
+        {
+            Succeeded,
+            Failed,       ///< errorText says why
+            Unavailable,  ///< this build cannot attempt a connection
+        };
+        Status status = Status::Unavailable;
+        tarni_wstring errorText;
+        /// The ODBC version of the driver manager used, empty when not known.
+        tarni_wstring odbcVersion;
+        /// The locale of the connection, empty when not known.
+        tarni_wstring locale;
+    };
+
+    virtual ~IConnectionTester() = default;
+
+    /// Attempts a connection with the configuration as it stands (plain
+    /// secrets included; they must not be logged). A failure to connect is an
+    /// outcome, not an exception; an ErrorException means the attempt itself
+    /// could not be made.
+    virtual Outcome TestConnection(const DSDSNConfiguration& in_configuration) = 0;
+};
+}  // namespace Tarni::DriverSupport
