@@ -712,6 +712,17 @@ bool TEConnectionUtils::IsOCIConnection(const ConfigurationMap& in_settings)
     return host && StartsWithIgnoreAsciiCase(StringConverter::ToUtf8(*host), OCI_HOST_PREFIX);
 }
 
+std::string TEConnectionUtils::OCIDomainFromHost(std::string_view in_host)
+{
+    const bool clusterHost = !ExtractOCIRegionFromHost(in_host).empty();
+    size_t start = in_host.find('.');
+    if (clusterHost && start != std::string_view::npos)
+    {
+        start = in_host.find('.', start + 1);
+    }
+    return start == std::string_view::npos ? std::string(in_host) : std::string(in_host.substr(start + 1));
+}
+
 std::string TEConnectionUtils::ExtractOCIRegionFromHost(std::string_view in_host)
 {
     if (!StartsWithIgnoreAsciiCase(in_host, OCI_HOST_PREFIX))
@@ -784,14 +795,18 @@ void TEConnectionUtils::ReadOCISettings(const ConfigurationMap& in_settings, TES
     }
     read.U64(TEKeys::OCIMaxTokenSize, oci.m_maxTokenSize);
 
-    // Endpoints of the region's identity service unless given explicitly.
+    // Endpoints of the region's identity service unless given explicitly:
+    // "auth." + region + the cloud's domain, which is taken from the cluster
+    // host itself (the part after its first two labels, or after its first
+    // label when the region was configured rather than taken from the host).
+    const std::string domain = OCIDomainFromHost(io_settings.m_host);
     if (!read.Text(TEKeys::OCIAuthURL, oci.m_authURL) || oci.m_authURL.empty())
     {
-        oci.m_authURL = "https://auth." + oci.m_region + ".oraclecloud.com/v1/oauth2/authorize";
+        oci.m_authURL = "https://auth." + oci.m_region + "." + domain + "/v1/oauth2/authorize";
     }
     if (!read.Text(TEKeys::OCITokenRefreshURL, oci.m_tokenRefreshURL) || oci.m_tokenRefreshURL.empty())
     {
-        oci.m_tokenRefreshURL = "https://auth." + oci.m_region + ".oraclecloud.com/v1/oauth2/token";
+        oci.m_tokenRefreshURL = "https://auth." + oci.m_region + "." + domain + "/v1/oauth2/token";
     }
 
     TEOCICredentialsReader::ReadCredentials(oci, in_log);

@@ -76,6 +76,9 @@ public:
     /// The region of a host "dataflowclusters.<region>.<domain>", lower-case;
     /// empty when the host is not of that form.
     static std::string ExtractOCIRegionFromHost(std::string_view in_host);
+    /// The cloud's domain of a cluster host "dataflowclusters.<region>.<domain>"
+    /// (for another host, the part after its first label).
+    static std::string OCIDomainFromHost(std::string_view in_host);
 
     /// Parses "400+402+404-406" into (first, last) pairs, appending them to
     /// out_ranges. Throws TEException "TEStatusRangesParsingError".

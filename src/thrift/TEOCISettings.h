@@ -1,6 +1,5 @@
 #pragma once
-// Settings of a connection to an Oracle Cloud Infrastructure data flow
-// cluster: the region and the endpoints built from it, and the credentials
+// Settings of a connection to a cloud data flow cluster: the region and the endpoints built from it, and the credentials
 // read from the user's OCI configuration file.
 #include <cstdint>
 #include <memory>

@@ -293,7 +293,8 @@ TEST_F(TEConnectionUtilsTest, OciRegionProfileAndEndpoints)
     EXPECT_TRUE(m_settings.m_isOCIConnection);
     const TEOCISettings& oci = m_settings.m_ociSettings;
     EXPECT_EQ(oci.m_region, "eu-frankfurt-1");
-    EXPECT_EQ(oci.m_authURL, "https://auth.eu-frankfurt-1.oraclecloud.com/v1/oauth2/authorize");
+    EXPECT_EQ(oci.m_authURL, "https://auth.eu-frankfurt-1.example.com/v1/oauth2/authorize");
+    EXPECT_EQ(TEConnectionUtils::OCIDomainFromHost("cluster.example.org"), "example.org");
     EXPECT_EQ(oci.m_profile, "DEFAULT");
     EXPECT_TRUE(oci.m_useBrowserFlow);
     EXPECT_TRUE(m_log.Has(Support::LOG_INFO, "Using the DEFAULT profile."));
