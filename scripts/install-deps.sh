@@ -20,6 +20,8 @@ packages=(
   g++-mingw-w64-x86-64-posix mingw-w64-tools wine wine64 xvfb xauth
   # source packages (Expat for the cross target)
   dpkg-dev
+  # libFuzzer targets (clang with its sanitizer and fuzzer runtimes)
+  clang libclang-rt-14-dev
   # terminal-host tests and screenshots
   tmux imagemagick x11-apps
 )

@@ -41,6 +41,15 @@ public:
     // Constants of the OpenSSL 3 headers that callers pass to the functions.
     static constexpr int EVP_PKEY_HKDF = 1036;       // NID_hkdf
     static constexpr int OPENSSL_VERSION = 0;        // OpenSSL_version(): "OpenSSL 3.x.y  date"
+    static constexpr int EVP_PKEY_RSA = 6;           // NID_rsaEncryption
+    // BIO_ctrl commands and flags behind the header macros BIO_read_filename,
+    // BIO_flush and BIO_get_mem_data.
+    static constexpr int BIO_CTRL_INFO = 3;
+    static constexpr int BIO_CTRL_FLUSH = 11;
+    static constexpr int BIO_C_SET_FILENAME = 108;
+    static constexpr long BIO_CLOSE = 0x01;
+    static constexpr long BIO_FP_READ = 0x02;
+    static constexpr int BIO_FLAGS_BASE64_NO_NL = 0x100;
 
     /// Lowest accepted OpenSSL_version_num(): 3.0.0.
     static constexpr unsigned long MINIMUM_VERSION = 0x30000000UL;

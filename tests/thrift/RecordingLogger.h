@@ -1,0 +1,58 @@
+#pragma once
+// A logger for tests: keeps every record (level, function, formatted text).
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "support/ErrorException.h"
+#include "support/ILogger.h"
+
+namespace Tarni::Testing
+{
+class RecordingLogger final : public Support::ILogger
+{
+public:
+    struct Record
+    {
+        Support::LogLevel level;
+        std::string function;
+        std::string text;
+    };
+
+    explicit RecordingLogger(Support::LogLevel in_level = Support::LOG_TRACE) { m_level = in_level; }
+
+    void LogMessageV(Support::LogLevel in_level, const char*, const char*, const char* in_function,
+                     const char* in_format, va_list in_args) override
+    {
+        char buffer[4096];
+        std::vsnprintf(buffer, sizeof(buffer), in_format, in_args);
+        records.push_back({in_level, in_function, buffer});
+    }
+    void LogError(const char*, const char*, const char* in_function, const Support::ErrorException& in_error) override
+    {
+        records.push_back({Support::LOG_ERROR, in_function, in_error.what()});
+    }
+    using ILogger::LogError;
+
+    /// True when a record at the level has exactly this text.
+    bool Has(Support::LogLevel in_level, const std::string& in_text) const
+    {
+        for (const Record& record : records)
+        {
+            if (record.level == in_level && record.text == in_text) return true;
+        }
+        return false;
+    }
+    /// True when any record's text contains the fragment.
+    bool HasFragment(const std::string& in_fragment) const
+    {
+        for (const Record& record : records)
+        {
+            if (record.text.find(in_fragment) != std::string::npos) return true;
+        }
+        return false;
+    }
+
+    std::vector<Record> records;
+};
+}  // namespace Tarni::Testing
