@@ -16,7 +16,7 @@
 #include "support/ErrorException.h"
 #include "support/NullLogger.h"
 #include "support/StringConverter.h"
-#include "support/TarniSettingReader.h"
+#include "support/TarniSettingStoreScope.h"
 #include "support/messages/DSIMessageManager.h"
 
 namespace Tarni::SparkODBC
@@ -134,7 +134,7 @@ int ConfigCommandLine::Run(const std::vector<tarni_wstring>& in_arguments)
             // Hold the store from load to save, so concurrent edits of other keys are kept.
             store->LockForUpdate();
         }
-        Support::TarniSettingReader::SetStore(store.get());
+        const Support::TarniSettingStoreScope storeScope(*store);
         // The message files may be placed by ERRORMESSAGESPATH in the store:
         // the catalogue takes its folder now, while the store is open.
         Support::DSIMessageManager::GetDefault().GetSource().GetMessagesPath();
@@ -173,12 +173,10 @@ int ConfigCommandLine::Run(const std::vector<tarni_wstring>& in_arguments)
         {
             result = Unset(config, operands);
         }
-        Support::TarniSettingReader::SetStore(nullptr);
         return result;
     }
     catch (const Support::ErrorException& e)
     {
-        Support::TarniSettingReader::SetStore(nullptr);
         m_err << "tarni-spark-config: " << Describe(e) << "\n";
         return RESULT_FAILURE;
     }

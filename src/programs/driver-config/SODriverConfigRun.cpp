@@ -14,6 +14,7 @@
 #include "resource.h"
 #include "support/ErrorException.h"
 #include "support/TarniSettingReader.h"
+#include "support/TarniSettingStoreScope.h"
 #include "support/log/DriverLog.h"
 #include "support/messages/DSIMessageManager.h"
 
@@ -105,7 +106,7 @@ int SODriverConfigRun::Run(Platform::IDialogHost& io_host, const Options& in_opt
         // The driver-wide store: the log reads its settings from it.
         auto store = Platform::SettingsStoreFactory::OpenDriverStore(
             DSProductHelper::GetDriverStoreLocation(in_options.iniPath));
-        Support::TarniSettingReader::SetStore(store.get());
+        const Support::TarniSettingStoreScope storeScope(*store);
 
         // 6. The log, and the message catalogue that turns errors into text.
         if (in_options.createLogger)
@@ -134,11 +135,9 @@ int SODriverConfigRun::Run(Platform::IDialogHost& io_host, const Options& in_opt
         {
             configuration.Save();
         }
-        Support::TarniSettingReader::SetStore(nullptr);
     }
     catch (const Support::ErrorException& e)
     {
-        Support::TarniSettingReader::SetStore(nullptr);
         if (logger)
         {
             logger->LogError(NS, CLS, "Run", e);

@@ -34,7 +34,7 @@ void CheckInputs(std::string_view in_keyMaterial, std::string_view in_salt)
 {
     if (in_keyMaterial.empty())
     {
-        throw ErrorException(DiagState::GeneralError, DS_ERROR, u"DSOpenSSLEncryptKeyMissingErr");
+        throw ErrorException(DiagState::GeneralError, DS_ERROR, u"DSOpenSSLEncryptKeyMissingErr", {u"the key source"});
     }
     if (in_salt.empty())
     {
