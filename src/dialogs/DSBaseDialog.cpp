@@ -74,6 +74,23 @@ void DSBaseDialog::StoreInputMap(IDialogWindow* in_window, void* in_inputMap)
     in_window->SetProperty(INPUT_MAP_PROPERTY, in_inputMap);
 }
 
+std::intptr_t DSBaseDialog::RouteOkCancel(IDialogWindow* in_window, std::uintptr_t in_wParam,
+                                         Support::ILogger* in_logger, const char* in_namespace, const char* in_class,
+                                         void (*in_ok)(IDialogWindow*), void (*in_cancel)(IDialogWindow*))
+{
+    switch (LowWord(in_wParam))
+    {
+        case IDOK:
+            GuardAction(in_window, in_logger, in_namespace, in_class, [&] { in_ok(in_window); });
+            return 1;
+        case IDCANCEL:
+            GuardAction(in_window, in_logger, in_namespace, in_class, [&] { in_cancel(in_window); });
+            return 1;
+        default:
+            return 0;
+    }
+}
+
 void DSBaseDialog::ReportSetupError(IDialogWindow* in_window, Support::ILogger* in_logger, const char* in_namespace,
                                     const char* in_class, const DSSetupException& in_error)
 {

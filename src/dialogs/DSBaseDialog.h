@@ -62,6 +62,14 @@ public:
         }
     }
 
+    /// The OK and Cancel commands of a WM_COMMAND (told by the low word of
+    /// in_wParam): runs in_ok or in_cancel under GuardAction and gives 1;
+    /// any other command gives 0, for the dialog to handle or pass.
+    static std::intptr_t RouteOkCancel(Platform::IDialogWindow* in_window, std::uintptr_t in_wParam,
+                                       Support::ILogger* in_logger, const char* in_namespace, const char* in_class,
+                                       void (*in_ok)(Platform::IDialogWindow*),
+                                       void (*in_cancel)(Platform::IDialogWindow*));
+
     // --- shared helpers ---
     /// Centres the dialog over its parent (the desktop when it has none) and
     /// keeps it on the desktop; a dialog that would cross the bottom edge

@@ -40,17 +40,7 @@ std::intptr_t DSPasswordOptionsDialog::ActionProc(IDialogWindow* in_window, std:
             return 1;
         }
         case WM_COMMAND:
-            switch (LowWord(in_wParam))
-            {
-                case IDOK:
-                    GuardAction(in_window, LoggerOf(in_window), NS, CLS, [&] { DoOkAction(in_window); });
-                    return 1;
-                case IDCANCEL:
-                    GuardAction(in_window, LoggerOf(in_window), NS, CLS, [&] { DoCancelAction(in_window); });
-                    return 1;
-                default:
-                    return 0;
-            }
+            return RouteOkCancel(in_window, in_wParam, LoggerOf(in_window), NS, CLS, &DoOkAction, &DoCancelAction);
         default:
             return 0;
     }

@@ -46,24 +46,15 @@ std::intptr_t QuillZkDialog::ActionProc(IDialogWindow* in_window, std::uint32_t 
             return 1;
         }
         case WM_COMMAND:
-            switch (LowWord(in_wParam))
+            if (LowWord(in_wParam) == IDC_ZK_NAMESPACE)
             {
-                case IDOK:
-                    DSBaseDialog::GuardAction(in_window, LoggerOf(in_window), NS, CLS,
-                                              [&] { DoOkAction(in_window); });
-                    return 1;
-                case IDCANCEL:
-                    DSBaseDialog::GuardAction(in_window, LoggerOf(in_window), NS, CLS,
-                                              [&] { DoCancelAction(in_window); });
-                    return 1;
-                case IDC_ZK_NAMESPACE:
-                    // Any notification of the namespace field.
-                    DSBaseDialog::GuardAction(in_window, LoggerOf(in_window), NS, CLS,
-                                              [&] { CheckEnableButtons(in_window); });
-                    return 1;
-                default:
-                    return 0;
+                // Any notification of the namespace field.
+                DSBaseDialog::GuardAction(in_window, LoggerOf(in_window), NS, CLS,
+                                          [&] { CheckEnableButtons(in_window); });
+                return 1;
             }
+            return DSBaseDialog::RouteOkCancel(in_window, in_wParam, LoggerOf(in_window), NS, CLS, &DoOkAction,
+                                               &DoCancelAction);
         default:
             return 0;
     }

@@ -1,5 +1,6 @@
 #include "platform/dialog/ResourceScript.h"
 
+#include <algorithm>
 #include <cctype>
 #include <charconv>
 
@@ -846,6 +847,24 @@ const tarni_wstring* ResourceScript::FindString(unsigned in_id) const
 {
     const auto it = m_strings.find(in_id);
     return it == m_strings.end() ? nullptr : &it->second;
+}
+
+int ResourceScript::LoadString(unsigned in_id, char16_t* out_buffer, int in_bufferChars) const
+{
+    if (out_buffer == nullptr || in_bufferChars <= 0)
+    {
+        return 0;
+    }
+    const tarni_wstring* text = FindString(in_id);
+    if (text == nullptr)
+    {
+        out_buffer[0] = u'\0';
+        return 0;
+    }
+    const auto count = std::min<std::size_t>(text->size(), static_cast<std::size_t>(in_bufferChars - 1));
+    std::copy_n(text->data(), count, out_buffer);
+    out_buffer[count] = u'\0';
+    return static_cast<int>(count);
 }
 
 std::optional<long long> ResourceScript::FindSymbol(std::string_view in_name) const

@@ -35,6 +35,10 @@ public:
     const DialogTemplate* FindDialog(unsigned in_id) const;
     /// The string of the string table, or nothing when there is none.
     const tarni_wstring* FindString(unsigned in_id) const;
+    /// Copies the string into the buffer as LoadStringW does: what fits
+    /// before the terminating null; the characters copied, 0 (an empty
+    /// buffer) when there is no such string.
+    int LoadString(unsigned in_id, char16_t* out_buffer, int in_bufferChars) const;
 
     const std::map<unsigned, DialogTemplate>& GetDialogs() const { return m_dialogs; }
     const std::map<unsigned, tarni_wstring>& GetStrings() const { return m_strings; }

@@ -93,20 +93,7 @@ std::intptr_t ScriptedDialogHost::DialogBoxParam(unsigned in_templateId, IDialog
 
 int ScriptedDialogHost::LoadString(unsigned in_id, char16_t* out_buffer, int in_bufferChars)
 {
-    if (out_buffer == nullptr || in_bufferChars <= 0)
-    {
-        return 0;
-    }
-    const tarni_wstring* text = m_resources.FindString(in_id);
-    if (text == nullptr)
-    {
-        out_buffer[0] = u'\0';
-        return 0;
-    }
-    const auto count = std::min<std::size_t>(text->size(), static_cast<std::size_t>(in_bufferChars - 1));
-    std::copy_n(text->data(), count, out_buffer);
-    out_buffer[count] = u'\0';
-    return static_cast<int>(count);
+    return m_resources.LoadString(in_id, out_buffer, in_bufferChars);
 }
 
 int ScriptedDialogHost::MessageBox(IDialogWindow* in_owner, tarni_wstring_view in_text, tarni_wstring_view in_caption,

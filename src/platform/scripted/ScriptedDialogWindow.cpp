@@ -45,15 +45,7 @@ ScriptedDialogWindow::ScriptedDialogWindow(ScriptedDialogHost& in_host, const Di
     m_controls.reserve(in_template.controls.size());
     for (const auto& source : in_template.controls)
     {
-        ScriptedControl control;
-        control.source = &source;
-        control.visible = (source.style & DialogStyle::WS_VISIBLE) != 0;
-        control.enabled = (source.style & DialogStyle::WS_DISABLED) == 0;
-        if (source.kind != ControlKind::ComboBox && source.kind != ControlKind::ListBox)
-        {
-            control.text = source.text;
-        }
-        m_controls.push_back(std::move(control));
+        m_controls.emplace_back(source);
     }
     // Like the system: the template position, relative to the owner.
     const DialogRect origin = in_parent != nullptr ? in_parent->GetWindowRect() : DialogRect{};
@@ -65,7 +57,7 @@ ScriptedDialogWindow::ScriptedDialogWindow(ScriptedDialogHost& in_host, const Di
 
 IDialogHost& ScriptedDialogWindow::GetHost() { return m_host; }
 
-ScriptedControl* ScriptedDialogWindow::Find(int in_id)
+DialogControlState* ScriptedDialogWindow::Find(int in_id)
 {
     for (auto& control : m_controls)
     {
@@ -77,25 +69,25 @@ ScriptedControl* ScriptedDialogWindow::Find(int in_id)
     return nullptr;
 }
 
-const ScriptedControl* ScriptedDialogWindow::Find(int in_id) const
+const DialogControlState* ScriptedDialogWindow::Find(int in_id) const
 {
     return const_cast<ScriptedDialogWindow*>(this)->Find(in_id);
 }
 
-ScriptedControl* ScriptedDialogWindow::Of(int in_id, ControlKind in_kind)
+DialogControlState* ScriptedDialogWindow::Of(int in_id, ControlKind in_kind)
 {
-    ScriptedControl* control = Find(in_id);
+    DialogControlState* control = Find(in_id);
     return control != nullptr && control->source->kind == in_kind ? control : nullptr;
 }
 
-ScriptedControl& ScriptedDialogWindow::Usable(int in_id, ControlKind in_kind, const char* in_operation)
+DialogControlState& ScriptedDialogWindow::Usable(int in_id, ControlKind in_kind, const char* in_operation)
 {
     if (m_ended)
     {
         throw ScriptedHostError(std::string(in_operation) + ": dialog " + std::to_string(m_template.id) +
                                 " has already ended");
     }
-    ScriptedControl* control = Find(in_id);
+    DialogControlState* control = Find(in_id);
     if (control == nullptr)
     {
         throw ScriptedHostError(std::string(in_operation) + ": there is no " + Describe(m_template, in_id));
@@ -125,7 +117,7 @@ void ScriptedDialogWindow::Command(int in_id, unsigned in_code)
 
 void ScriptedDialogWindow::Type(int in_id, tarni_wstring_view in_text)
 {
-    ScriptedControl& control = Usable(in_id, ControlKind::Edit, "Type");
+    DialogControlState& control = Usable(in_id, ControlKind::Edit, "Type");
     if (control.source->HasStyle(DialogStyle::ES_READONLY))
     {
         throw ScriptedHostError("Type: " + Describe(m_template, in_id) + " is read-only");
@@ -146,7 +138,7 @@ void ScriptedDialogWindow::Type(int in_id, tarni_wstring_view in_text)
 
 void ScriptedDialogWindow::Click(int in_id)
 {
-    ScriptedControl& control = Usable(in_id, ControlKind::Button, "Click");
+    DialogControlState& control = Usable(in_id, ControlKind::Button, "Click");
     const ControlTemplate& source = *control.source;
     if (source.IsGroupBox())
     {
@@ -183,26 +175,25 @@ void ScriptedDialogWindow::Click(int in_id)
 
 void ScriptedDialogWindow::SelectCombo(int in_id, tarni_wstring_view in_text)
 {
-    ScriptedControl& control = Usable(in_id, ControlKind::ComboBox, "SelectCombo");
+    DialogControlState& control = Usable(in_id, ControlKind::ComboBox, "SelectCombo");
     const auto it = std::find(control.items.begin(), control.items.end(), in_text);
     if (it == control.items.end())
     {
         throw ScriptedHostError("SelectCombo: " + Describe(m_template, in_id) + " has no entry \"" +
                                 StringConverter::ToUtf8(in_text) + "\"");
     }
-    control.selection = static_cast<int>(it - control.items.begin());
+    control.SetSelection(static_cast<int>(it - control.items.begin()));
     Command(in_id, CBN_SELCHANGE);
 }
 
 void ScriptedDialogWindow::SelectListItem(int in_id, int in_index)
 {
-    ScriptedControl& control = Usable(in_id, ControlKind::ListBox, "SelectListItem");
-    if (in_index < 0 || in_index >= static_cast<int>(control.items.size()))
+    DialogControlState& control = Usable(in_id, ControlKind::ListBox, "SelectListItem");
+    if (control.SetSelection(in_index) == DIALOG_LIST_ERROR)
     {
         throw ScriptedHostError("SelectListItem: " + Describe(m_template, in_id) + " has no entry " +
                                 std::to_string(in_index));
     }
-    control.selection = in_index;
     if (control.source->HasStyle(DialogStyle::LBS_NOTIFY))
     {
         Command(in_id, LBN_SELCHANGE);
@@ -225,8 +216,8 @@ void ScriptedDialogWindow::PressEnter()
         throw ScriptedHostError("PressEnter: dialog " + std::to_string(m_template.id) + " has already ended");
     }
     // A focused push button takes Enter; otherwise the default button does.
-    const ScriptedControl* target = nullptr;
-    if (const ScriptedControl* focused = Find(m_focus); focused != nullptr && focused->source->IsPushButton())
+    const DialogControlState* target = nullptr;
+    if (const DialogControlState* focused = Find(m_focus); focused != nullptr && focused->source->IsPushButton())
     {
         target = focused;
     }
@@ -265,7 +256,7 @@ void ScriptedDialogWindow::PressCloseBox()
         return;
     }
     // The default handling: IDCANCEL, unless a Cancel button exists and is disabled.
-    const ScriptedControl* cancel = Find(IDCANCEL);
+    const DialogControlState* cancel = Find(IDCANCEL);
     if (cancel != nullptr && !cancel->enabled)
     {
         return;
@@ -275,7 +266,7 @@ void ScriptedDialogWindow::PressCloseBox()
 
 tarni_wstring ScriptedDialogWindow::Text(int in_id) const
 {
-    const ScriptedControl* control = Find(in_id);
+    const DialogControlState* control = Find(in_id);
     if (control == nullptr)
     {
         throw ScriptedHostError("Text: there is no " + Describe(m_template, in_id));
@@ -289,42 +280,38 @@ tarni_wstring ScriptedDialogWindow::Text(int in_id) const
 
 bool ScriptedDialogWindow::Checked(int in_id) const
 {
-    const ScriptedControl* control = Find(in_id);
+    const DialogControlState* control = Find(in_id);
     return control != nullptr && control->checked;
 }
 
 bool ScriptedDialogWindow::Enabled(int in_id) const
 {
-    const ScriptedControl* control = Find(in_id);
+    const DialogControlState* control = Find(in_id);
     return control != nullptr && control->enabled;
 }
 
 bool ScriptedDialogWindow::Visible(int in_id) const
 {
-    const ScriptedControl* control = Find(in_id);
+    const DialogControlState* control = Find(in_id);
     return control != nullptr && control->visible;
 }
 
 std::vector<tarni_wstring> ScriptedDialogWindow::Items(int in_id) const
 {
-    const ScriptedControl* control = Find(in_id);
+    const DialogControlState* control = Find(in_id);
     return control != nullptr ? control->items : std::vector<tarni_wstring>{};
 }
 
 int ScriptedDialogWindow::Selection(int in_id) const
 {
-    const ScriptedControl* control = Find(in_id);
+    const DialogControlState* control = Find(in_id);
     return control != nullptr ? control->selection : -1;
 }
 
 tarni_wstring ScriptedDialogWindow::SelectedText(int in_id) const
 {
-    const ScriptedControl* control = Find(in_id);
-    if (control == nullptr || control->selection < 0 || control->selection >= static_cast<int>(control->items.size()))
-    {
-        return {};
-    }
-    return control->items[static_cast<std::size_t>(control->selection)];
+    const DialogControlState* control = Find(in_id);
+    return control != nullptr ? control->GetSelectedText() : tarni_wstring{};
 }
 
 void ScriptedDialogWindow::MoveWindow(int in_x, int in_y, int in_width, int in_height, bool)
@@ -351,7 +338,7 @@ void* ScriptedDialogWindow::GetProperty(tarni_wstring_view in_name)
 
 int ScriptedDialogWindow::GetItemTextLength(int in_id)
 {
-    const ScriptedControl* control = Find(in_id);
+    const DialogControlState* control = Find(in_id);
     return control == nullptr ? 0 : static_cast<int>(Text(in_id).size());
 }
 
@@ -371,7 +358,7 @@ tarni_wstring ScriptedDialogWindow::GetItemText(int in_id, int in_bufferChars)
 
 void ScriptedDialogWindow::SetItemText(int in_id, tarni_wstring_view in_text)
 {
-    ScriptedControl* control = Find(in_id);
+    DialogControlState* control = Find(in_id);
     if (control == nullptr)
     {
         return;
@@ -387,7 +374,7 @@ void ScriptedDialogWindow::SetItemText(int in_id, tarni_wstring_view in_text)
 
 void ScriptedDialogWindow::EnableItem(int in_id, bool in_enable)
 {
-    if (ScriptedControl* control = Find(in_id))
+    if (DialogControlState* control = Find(in_id))
     {
         control->enabled = in_enable;
     }
@@ -395,7 +382,7 @@ void ScriptedDialogWindow::EnableItem(int in_id, bool in_enable)
 
 void ScriptedDialogWindow::ShowItem(int in_id, bool in_show)
 {
-    if (ScriptedControl* control = Find(in_id))
+    if (DialogControlState* control = Find(in_id))
     {
         control->visible = in_show;
     }
@@ -403,217 +390,114 @@ void ScriptedDialogWindow::ShowItem(int in_id, bool in_show)
 
 void ScriptedDialogWindow::CheckButton(int in_id, bool in_checked)
 {
-    if (ScriptedControl* control = Of(in_id, ControlKind::Button))
+    if (DialogControlState* control = Of(in_id, ControlKind::Button))
     {
         control->checked = in_checked;
     }
 }
 
-int ScriptedDialogWindow::AddItem(ScriptedControl& io_control, tarni_wstring_view in_text, bool in_sorted)
-{
-    auto position = io_control.items.end();
-    if (in_sorted)
-    {
-        position = std::upper_bound(io_control.items.begin(), io_control.items.end(), in_text,
-                                    [](tarni_wstring_view in_left, const tarni_wstring& in_right) {
-                                        return StringConverter::CompareIgnoreCase(in_left, in_right) < 0;
-                                    });
-    }
-    const auto index = static_cast<int>(position - io_control.items.begin());
-    io_control.items.insert(position, tarni_wstring(in_text));
-    if (io_control.selection >= index)
-    {
-        ++io_control.selection;
-    }
-    return index;
-}
+// The entries and their selection are DialogControlState's; a control that is
+// missing or of another kind gives DIALOG_LIST_ERROR, as the message would.
 
 int ScriptedDialogWindow::ComboAddString(int in_id, tarni_wstring_view in_text)
 {
-    ScriptedControl* control = Of(in_id, ControlKind::ComboBox);
-    return control == nullptr ? DIALOG_LIST_ERROR
-                              : AddItem(*control, in_text, control->source->HasStyle(DialogStyle::CBS_SORT));
+    DialogControlState* control = Of(in_id, ControlKind::ComboBox);
+    return control != nullptr ? control->AddItem(in_text, control->Source().HasStyle(DialogStyle::CBS_SORT))
+                              : DIALOG_LIST_ERROR;
 }
 
 int ScriptedDialogWindow::ComboDeleteString(int in_id, int in_index)
 {
-    ScriptedControl* control = Of(in_id, ControlKind::ComboBox);
-    if (control == nullptr)
-    {
-        return DIALOG_LIST_ERROR;
-    }
-    return ListDeleteString(in_id, in_index);
+    DialogControlState* control = Of(in_id, ControlKind::ComboBox);
+    return control != nullptr ? control->DeleteItem(in_index) : DIALOG_LIST_ERROR;
 }
 
 int ScriptedDialogWindow::ComboGetCount(int in_id)
 {
-    ScriptedControl* control = Of(in_id, ControlKind::ComboBox);
-    return control == nullptr ? DIALOG_LIST_ERROR : static_cast<int>(control->items.size());
+    const DialogControlState* control = Of(in_id, ControlKind::ComboBox);
+    return control != nullptr ? control->GetItemCount() : DIALOG_LIST_ERROR;
 }
 
 int ScriptedDialogWindow::ComboGetCurSel(int in_id)
 {
-    ScriptedControl* control = Of(in_id, ControlKind::ComboBox);
-    return control == nullptr ? DIALOG_LIST_ERROR : control->selection;
+    const DialogControlState* control = Of(in_id, ControlKind::ComboBox);
+    return control != nullptr ? control->selection : DIALOG_LIST_ERROR;
 }
 
 int ScriptedDialogWindow::ComboSetCurSel(int in_id, int in_index)
 {
-    ScriptedControl* control = Of(in_id, ControlKind::ComboBox);
-    if (control == nullptr)
-    {
-        return DIALOG_LIST_ERROR;
-    }
-    if (in_index < 0 || in_index >= static_cast<int>(control->items.size()))
-    {
-        control->selection = -1;
-        return DIALOG_LIST_ERROR;
-    }
-    control->selection = in_index;
-    return in_index;
+    DialogControlState* control = Of(in_id, ControlKind::ComboBox);
+    return control != nullptr ? control->SetSelection(in_index) : DIALOG_LIST_ERROR;
 }
 
 tarni_wstring ScriptedDialogWindow::ComboGetItemText(int in_id, int in_index)
 {
-    ScriptedControl* control = Of(in_id, ControlKind::ComboBox);
-    if (control == nullptr || in_index < 0 || in_index >= static_cast<int>(control->items.size()))
-    {
-        return {};
-    }
-    return control->items[static_cast<std::size_t>(in_index)];
+    const DialogControlState* control = Of(in_id, ControlKind::ComboBox);
+    return control != nullptr ? control->GetItemText(in_index) : tarni_wstring{};
 }
 
 int ScriptedDialogWindow::ComboFindStringExact(int in_id, tarni_wstring_view in_text)
 {
-    ScriptedControl* control = Of(in_id, ControlKind::ComboBox);
-    if (control == nullptr)
-    {
-        return DIALOG_LIST_ERROR;
-    }
-    for (std::size_t i = 0; i < control->items.size(); ++i)
-    {
-        if (StringConverter::EqualsIgnoreCase(control->items[i], in_text))
-        {
-            return static_cast<int>(i);
-        }
-    }
-    return DIALOG_LIST_ERROR;
+    const DialogControlState* control = Of(in_id, ControlKind::ComboBox);
+    return control != nullptr ? control->FindItemExact(in_text) : DIALOG_LIST_ERROR;
 }
 
 int ScriptedDialogWindow::ListAddString(int in_id, tarni_wstring_view in_text)
 {
-    ScriptedControl* control = Of(in_id, ControlKind::ListBox);
-    return control == nullptr ? DIALOG_LIST_ERROR
-                              : AddItem(*control, in_text, control->source->HasStyle(DialogStyle::LBS_SORT));
+    DialogControlState* control = Of(in_id, ControlKind::ListBox);
+    return control != nullptr ? control->AddItem(in_text, control->Source().HasStyle(DialogStyle::LBS_SORT))
+                              : DIALOG_LIST_ERROR;
 }
 
 int ScriptedDialogWindow::ListDeleteString(int in_id, int in_index)
 {
-    ScriptedControl* control = Find(in_id);
-    if (control == nullptr || (control->source->kind != ControlKind::ListBox &&
-                               control->source->kind != ControlKind::ComboBox))
-    {
-        return DIALOG_LIST_ERROR;
-    }
-    if (in_index < 0 || in_index >= static_cast<int>(control->items.size()))
-    {
-        return DIALOG_LIST_ERROR;
-    }
-    control->items.erase(control->items.begin() + in_index);
-    if (control->selection == in_index)
-    {
-        control->selection = -1;
-    }
-    else if (control->selection > in_index)
-    {
-        --control->selection;
-    }
-    return static_cast<int>(control->items.size());
+    DialogControlState* control = Of(in_id, ControlKind::ListBox);
+    return control != nullptr ? control->DeleteItem(in_index) : DIALOG_LIST_ERROR;
 }
 
 int ScriptedDialogWindow::ListGetCount(int in_id)
 {
-    ScriptedControl* control = Of(in_id, ControlKind::ListBox);
-    return control == nullptr ? DIALOG_LIST_ERROR : static_cast<int>(control->items.size());
+    const DialogControlState* control = Of(in_id, ControlKind::ListBox);
+    return control != nullptr ? control->GetItemCount() : DIALOG_LIST_ERROR;
 }
 
 int ScriptedDialogWindow::ListGetCurSel(int in_id)
 {
-    ScriptedControl* control = Of(in_id, ControlKind::ListBox);
-    return control == nullptr ? DIALOG_LIST_ERROR : control->selection;
+    const DialogControlState* control = Of(in_id, ControlKind::ListBox);
+    return control != nullptr ? control->selection : DIALOG_LIST_ERROR;
 }
 
 int ScriptedDialogWindow::ListSetCurSel(int in_id, int in_index)
 {
-    ScriptedControl* control = Of(in_id, ControlKind::ListBox);
-    if (control == nullptr)
-    {
-        return DIALOG_LIST_ERROR;
-    }
-    if (in_index < 0 || in_index >= static_cast<int>(control->items.size()))
-    {
-        control->selection = -1;
-        return DIALOG_LIST_ERROR;
-    }
-    control->selection = in_index;
-    return in_index;
+    DialogControlState* control = Of(in_id, ControlKind::ListBox);
+    return control != nullptr ? control->SetSelection(in_index) : DIALOG_LIST_ERROR;
 }
 
 tarni_wstring ScriptedDialogWindow::ListGetText(int in_id, int in_index)
 {
-    ScriptedControl* control = Of(in_id, ControlKind::ListBox);
-    if (control == nullptr || in_index < 0 || in_index >= static_cast<int>(control->items.size()))
-    {
-        return {};
-    }
-    return control->items[static_cast<std::size_t>(in_index)];
+    const DialogControlState* control = Of(in_id, ControlKind::ListBox);
+    return control != nullptr ? control->GetItemText(in_index) : tarni_wstring{};
 }
 
 int ScriptedDialogWindow::ListFindString(int in_id, int in_startAfter, tarni_wstring_view in_prefix)
 {
-    ScriptedControl* control = Of(in_id, ControlKind::ListBox);
-    if (control == nullptr || control->items.empty())
-    {
-        return DIALOG_LIST_ERROR;
-    }
-    const int count = static_cast<int>(control->items.size());
-    const int start = (in_startAfter < 0 || in_startAfter >= count) ? 0 : in_startAfter + 1;
-    for (int n = 0; n < count; ++n)
-    {
-        const int i = (start + n) % count;
-        const tarni_wstring& item = control->items[static_cast<std::size_t>(i)];
-        if (item.size() >= in_prefix.size() &&
-            StringConverter::EqualsIgnoreCase(tarni_wstring_view(item).substr(0, in_prefix.size()), in_prefix))
-        {
-            return i;
-        }
-    }
-    return DIALOG_LIST_ERROR;
+    const DialogControlState* control = Of(in_id, ControlKind::ListBox);
+    return control != nullptr ? control->FindItemPrefix(in_startAfter, in_prefix) : DIALOG_LIST_ERROR;
 }
 
 void ScriptedDialogWindow::EditSetSel(int in_id, int in_start, int in_end)
 {
-    ScriptedControl* control = Of(in_id, ControlKind::Edit);
-    if (control == nullptr)
+    if (DialogControlState* control = Of(in_id, ControlKind::Edit))
     {
-        return;
+        control->SetEditSelection(in_start, in_end, static_cast<int>(control->text.size()));
     }
-    const int size = static_cast<int>(control->text.size());
-    auto clamp = [size](int in_value) { return in_value < 0 ? size : std::min(in_value, size); };
-    control->selectionStart = clamp(std::min(in_start, in_end < 0 ? size : in_end));
-    control->selectionEnd = clamp(std::max(in_start, in_end < 0 ? size : in_end));
 }
 
 void ScriptedDialogWindow::EditReplaceSel(int in_id, tarni_wstring_view in_text)
 {
-    ScriptedControl* control = Of(in_id, ControlKind::Edit);
-    if (control == nullptr)
+    if (DialogControlState* control = Of(in_id, ControlKind::Edit))
     {
-        return;
+        control->ReplaceEditSelection(control->text, in_text);
     }
-    const auto start = static_cast<std::size_t>(control->selectionStart);
-    const auto end = static_cast<std::size_t>(control->selectionEnd);
-    control->text.replace(start, end - start, in_text);
-    control->selectionStart = control->selectionEnd = static_cast<int>(start + in_text.size());
 }
 }  // namespace Tarni::Platform

@@ -10,7 +10,7 @@
 
 #include "platform/dialog/IDialogHost.h"
 #include "platform/dialog/IDialogWindow.h"
-#include "platform/scripted/ScriptedControl.h"
+#include "platform/dialog/DialogControlState.h"
 
 namespace Tarni::Platform
 {
@@ -102,20 +102,19 @@ public:
     int GetFocusItem() const { return m_focus; }
 
 private:
-    ScriptedControl* Find(int in_id);
-    const ScriptedControl* Find(int in_id) const;
-    ScriptedControl* Of(int in_id, ControlKind in_kind);
+    DialogControlState* Find(int in_id);
+    const DialogControlState* Find(int in_id) const;
+    DialogControlState* Of(int in_id, ControlKind in_kind);
     /// The control a user operation acts on: it must exist, be of the kind,
     /// and be visible and enabled, else the test fails.
-    ScriptedControl& Usable(int in_id, ControlKind in_kind, const char* in_operation);
+    DialogControlState& Usable(int in_id, ControlKind in_kind, const char* in_operation);
     void Command(int in_id, unsigned in_code);
-    int AddItem(ScriptedControl& io_control, tarni_wstring_view in_text, bool in_sorted);
 
     ScriptedDialogHost& m_host;
     const DialogTemplate& m_template;
     IDialogWindow* m_parent;
     DialogProcedure m_procedure;
-    std::vector<ScriptedControl> m_controls;
+    std::vector<DialogControlState> m_controls;
     std::map<tarni_wstring, void*> m_properties;
     tarni_wstring m_title;
     unsigned m_iconId = 0;

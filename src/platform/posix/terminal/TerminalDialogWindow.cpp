@@ -51,10 +51,7 @@ TerminalDialogWindow::TerminalDialogWindow(TerminalDialogHost& in_host, const Di
     m_controls.reserve(in_template.controls.size());
     for (const auto& source : in_template.controls)
     {
-        TerminalControl control;
-        control.source = &source;
-        control.visible = (source.style & DialogStyle::WS_VISIBLE) != 0;
-        control.enabled = (source.style & DialogStyle::WS_DISABLED) == 0;
+        TerminalControl control(source);
         if (source.kind == ControlKind::Edit && !source.HasStyle(DialogStyle::ES_MULTILINE))
         {
             control.field = std::make_unique<TerminalEditField>(
@@ -64,7 +61,6 @@ TerminalDialogWindow::TerminalDialogWindow(TerminalDialogHost& in_host, const Di
         }
         else if (source.kind != ControlKind::ComboBox && source.kind != ControlKind::ListBox)
         {
-            control.text = source.text;
             control.label = LabelOf(source, source.text);
         }
         if (source.kind == ControlKind::ListBox)
@@ -228,11 +224,7 @@ tarni_wstring TerminalDialogWindow::TextOf(const TerminalControl& in_control) co
     }
     if (in_control.IsKind(ControlKind::ComboBox) || in_control.IsKind(ControlKind::ListBox))
     {
-        if (in_control.selection < 0 || in_control.selection >= static_cast<int>(in_control.items.size()))
-        {
-            return {};
-        }
-        return in_control.items[static_cast<std::size_t>(in_control.selection)];
+        return in_control.GetSelectedText();
     }
     return in_control.text;
 }
@@ -268,13 +260,9 @@ void TerminalDialogWindow::SetText(TerminalControl& io_control, tarni_wstring_vi
     if (io_control.IsKind(ControlKind::ComboBox))
     {
         // A drop-down list takes only the text of one of its entries.
-        for (std::size_t i = 0; i < io_control.items.size(); ++i)
+        if (const int index = io_control.FindItemExact(in_text); index != DIALOG_LIST_ERROR)
         {
-            if (StringConverter::EqualsIgnoreCase(io_control.items[i], in_text))
-            {
-                io_control.selection = static_cast<int>(i);
-                break;
-            }
+            io_control.selection = index;
         }
         return;
     }
@@ -352,189 +340,101 @@ void TerminalDialogWindow::CheckButton(int in_id, bool in_checked)
 
 // ------------------------------------------------------------------ combo and list boxes
 
-namespace
-{
-int AddItem(TerminalControl& io_control, tarni_wstring_view in_text, bool in_sorted)
-{
-    auto position = io_control.items.end();
-    if (in_sorted)
-    {
-        position = std::upper_bound(io_control.items.begin(), io_control.items.end(), in_text,
-                                    [](tarni_wstring_view in_left, const tarni_wstring& in_right) {
-                                        return StringConverter::CompareIgnoreCase(in_left, in_right) < 0;
-                                    });
-    }
-    const auto index = static_cast<int>(position - io_control.items.begin());
-    io_control.items.insert(position, tarni_wstring(in_text));
-    if (io_control.selection >= index)
-    {
-        ++io_control.selection;
-    }
-    return index;
-}
-
-int DeleteItem(TerminalControl* io_control, int in_index)
-{
-    if (io_control == nullptr || in_index < 0 || in_index >= static_cast<int>(io_control->items.size()))
-    {
-        return DIALOG_LIST_ERROR;
-    }
-    io_control->items.erase(io_control->items.begin() + in_index);
-    if (io_control->selection == in_index)
-    {
-        io_control->selection = -1;
-    }
-    else if (io_control->selection > in_index)
-    {
-        --io_control->selection;
-    }
-    return static_cast<int>(io_control->items.size());
-}
-
-int SetSelection(TerminalControl* io_control, int in_index)
-{
-    if (io_control == nullptr)
-    {
-        return DIALOG_LIST_ERROR;
-    }
-    if (in_index < 0 || in_index >= static_cast<int>(io_control->items.size()))
-    {
-        io_control->selection = -1;
-        return DIALOG_LIST_ERROR;
-    }
-    io_control->selection = in_index;
-    return in_index;
-}
-
-tarni_wstring ItemText(const TerminalControl* in_control, int in_index)
-{
-    if (in_control == nullptr || in_index < 0 || in_index >= static_cast<int>(in_control->items.size()))
-    {
-        return {};
-    }
-    return in_control->items[static_cast<std::size_t>(in_index)];
-}
-}  // namespace
+// The entries and their selection are DialogControlState's; a control that is
+// missing or of another kind gives DIALOG_LIST_ERROR, as the message would.
 
 int TerminalDialogWindow::ComboAddString(int in_id, tarni_wstring_view in_text)
 {
     TerminalControl* control = Of(in_id, ControlKind::ComboBox);
-    return control == nullptr ? DIALOG_LIST_ERROR
-                              : AddItem(*control, in_text, control->Source().HasStyle(DialogStyle::CBS_SORT));
+    return control != nullptr ? control->AddItem(in_text, control->Source().HasStyle(DialogStyle::CBS_SORT))
+                              : DIALOG_LIST_ERROR;
 }
 
 int TerminalDialogWindow::ComboDeleteString(int in_id, int in_index)
 {
-    return DeleteItem(Of(in_id, ControlKind::ComboBox), in_index);
+    TerminalControl* control = Of(in_id, ControlKind::ComboBox);
+    return control != nullptr ? control->DeleteItem(in_index) : DIALOG_LIST_ERROR;
 }
 
 int TerminalDialogWindow::ComboGetCount(int in_id)
 {
     const TerminalControl* control = Of(in_id, ControlKind::ComboBox);
-    return control == nullptr ? DIALOG_LIST_ERROR : static_cast<int>(control->items.size());
+    return control != nullptr ? control->GetItemCount() : DIALOG_LIST_ERROR;
 }
 
 int TerminalDialogWindow::ComboGetCurSel(int in_id)
 {
     const TerminalControl* control = Of(in_id, ControlKind::ComboBox);
-    return control == nullptr ? DIALOG_LIST_ERROR : control->selection;
+    return control != nullptr ? control->selection : DIALOG_LIST_ERROR;
 }
 
 int TerminalDialogWindow::ComboSetCurSel(int in_id, int in_index)
 {
-    return SetSelection(Of(in_id, ControlKind::ComboBox), in_index);
+    TerminalControl* control = Of(in_id, ControlKind::ComboBox);
+    return control != nullptr ? control->SetSelection(in_index) : DIALOG_LIST_ERROR;
 }
 
 tarni_wstring TerminalDialogWindow::ComboGetItemText(int in_id, int in_index)
 {
-    return ItemText(Of(in_id, ControlKind::ComboBox), in_index);
+    const TerminalControl* control = Of(in_id, ControlKind::ComboBox);
+    return control != nullptr ? control->GetItemText(in_index) : tarni_wstring{};
 }
 
 int TerminalDialogWindow::ComboFindStringExact(int in_id, tarni_wstring_view in_text)
 {
     const TerminalControl* control = Of(in_id, ControlKind::ComboBox);
-    if (control == nullptr)
-    {
-        return DIALOG_LIST_ERROR;
-    }
-    for (std::size_t i = 0; i < control->items.size(); ++i)
-    {
-        if (StringConverter::EqualsIgnoreCase(control->items[i], in_text))
-        {
-            return static_cast<int>(i);
-        }
-    }
-    return DIALOG_LIST_ERROR;
+    return control != nullptr ? control->FindItemExact(in_text) : DIALOG_LIST_ERROR;
 }
 
 int TerminalDialogWindow::ListAddString(int in_id, tarni_wstring_view in_text)
 {
     TerminalControl* control = Of(in_id, ControlKind::ListBox);
-    return control == nullptr ? DIALOG_LIST_ERROR
-                              : AddItem(*control, in_text, control->Source().HasStyle(DialogStyle::LBS_SORT));
+    return control != nullptr ? control->AddItem(in_text, control->Source().HasStyle(DialogStyle::LBS_SORT))
+                              : DIALOG_LIST_ERROR;
 }
 
 int TerminalDialogWindow::ListDeleteString(int in_id, int in_index)
 {
-    return DeleteItem(Of(in_id, ControlKind::ListBox), in_index);
+    TerminalControl* control = Of(in_id, ControlKind::ListBox);
+    return control != nullptr ? control->DeleteItem(in_index) : DIALOG_LIST_ERROR;
 }
 
 int TerminalDialogWindow::ListGetCount(int in_id)
 {
     const TerminalControl* control = Of(in_id, ControlKind::ListBox);
-    return control == nullptr ? DIALOG_LIST_ERROR : static_cast<int>(control->items.size());
+    return control != nullptr ? control->GetItemCount() : DIALOG_LIST_ERROR;
 }
 
 int TerminalDialogWindow::ListGetCurSel(int in_id)
 {
     const TerminalControl* control = Of(in_id, ControlKind::ListBox);
-    return control == nullptr ? DIALOG_LIST_ERROR : control->selection;
+    return control != nullptr ? control->selection : DIALOG_LIST_ERROR;
 }
 
 int TerminalDialogWindow::ListSetCurSel(int in_id, int in_index)
 {
-    return SetSelection(Of(in_id, ControlKind::ListBox), in_index);
+    TerminalControl* control = Of(in_id, ControlKind::ListBox);
+    return control != nullptr ? control->SetSelection(in_index) : DIALOG_LIST_ERROR;
 }
 
 tarni_wstring TerminalDialogWindow::ListGetText(int in_id, int in_index)
 {
-    return ItemText(Of(in_id, ControlKind::ListBox), in_index);
+    const TerminalControl* control = Of(in_id, ControlKind::ListBox);
+    return control != nullptr ? control->GetItemText(in_index) : tarni_wstring{};
 }
 
 int TerminalDialogWindow::ListFindString(int in_id, int in_startAfter, tarni_wstring_view in_prefix)
 {
     const TerminalControl* control = Of(in_id, ControlKind::ListBox);
-    if (control == nullptr || control->items.empty())
-    {
-        return DIALOG_LIST_ERROR;
-    }
-    const int count = static_cast<int>(control->items.size());
-    const int start = (in_startAfter < 0 || in_startAfter >= count) ? 0 : in_startAfter + 1;
-    for (int n = 0; n < count; ++n)
-    {
-        const int i = (start + n) % count;
-        const tarni_wstring& item = control->items[static_cast<std::size_t>(i)];
-        if (item.size() >= in_prefix.size() &&
-            StringConverter::EqualsIgnoreCase(tarni_wstring_view(item).substr(0, in_prefix.size()), in_prefix))
-        {
-            return i;
-        }
-    }
-    return DIALOG_LIST_ERROR;
+    return control != nullptr ? control->FindItemPrefix(in_startAfter, in_prefix) : DIALOG_LIST_ERROR;
 }
 
 void TerminalDialogWindow::EditSetSel(int in_id, int in_start, int in_end)
 {
-    TerminalControl* control = Of(in_id, ControlKind::Edit);
-    if (control == nullptr)
+    if (TerminalControl* control = Of(in_id, ControlKind::Edit))
     {
-        return;
+        control->SetEditSelection(in_start, in_end, static_cast<int>(TextOf(*control).size()));
     }
-    const int size = static_cast<int>(TextOf(*control).size());
-    auto clamp = [size](int in_value) { return in_value < 0 ? size : std::min(in_value, size); };
-    const int end = in_end < 0 ? size : in_end;
-    control->selectionStart = clamp(std::min(in_start, end));
-    control->selectionEnd = clamp(std::max(in_start, end));
 }
 
 void TerminalDialogWindow::EditReplaceSel(int in_id, tarni_wstring_view in_text)
@@ -545,11 +445,8 @@ void TerminalDialogWindow::EditReplaceSel(int in_id, tarni_wstring_view in_text)
         return;
     }
     tarni_wstring text = TextOf(*control);
-    const auto start = std::min(static_cast<std::size_t>(control->selectionStart), text.size());
-    const auto end = std::clamp(static_cast<std::size_t>(control->selectionEnd), start, text.size());
-    text.replace(start, end - start, in_text);
+    control->ReplaceEditSelection(text, in_text);
     SetText(*control, text);
-    control->selectionStart = control->selectionEnd = static_cast<int>(start + in_text.size());
     if (control->field)
     {
         control->field->SetCaret(control->selectionEnd);
