@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <map>
+
 #include "platform/win32/RegistryStore.h"
 #include "support/ErrorException.h"
 
@@ -43,12 +45,14 @@ TEST_F(RegistryStoreTest, RoundTripsRegSzValuesWithTheTerminatorCounted)
 
     const auto values = m_store.ReadAll();
     ASSERT_EQ(3u, values.size());
+    std::map<std::u16string, std::u16string> byName;
     for (const auto& value : values)
     {
-        if (value.name == u"Host") EXPECT_EQ(u" h\u00e9=1 ", value.value);
-        if (value.name == u"Empty") EXPECT_EQ(u"", value.value);
-        if (value.name == u"Lines") EXPECT_EQ(u"a\r\nb", value.value);
+        byName[value.name] = value.value;
     }
+    EXPECT_EQ(u" h\u00e9=1 ", byName[u"Host"]);
+    EXPECT_EQ(u"", byName[u"Empty"]);
+    EXPECT_EQ(u"a\r\nb", byName[u"Lines"]);
 }
 
 TEST_F(RegistryStoreTest, DeleteRemovesOneValueAndNeedsTheKey)
