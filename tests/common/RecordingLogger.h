@@ -35,6 +35,21 @@ public:
     }
     using ILogger::LogError;
 
+    /// True when a record at the level has exactly this text.
+    bool Has(Support::LogLevel in_level, const std::string& in_text) const
+    {
+        for (const auto& record : records)
+            if (record.level == in_level && record.text == in_text) return true;
+        return false;
+    }
+    /// True when any record's text contains the fragment.
+    bool HasFragment(const std::string& in_fragment) const
+    {
+        for (const auto& record : records)
+            if (record.text.find(in_fragment) != std::string::npos) return true;
+        return false;
+    }
+    /// True when a record at the level contains the text.
     bool Contains(Support::LogLevel in_level, const std::string& in_text) const
     {
         for (const auto& record : records)

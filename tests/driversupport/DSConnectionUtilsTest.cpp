@@ -7,7 +7,7 @@
 #include "platform/ISettingsStore.h"
 #include "support/ErrorException.h"
 #include "support/TarniSettingReader.h"
-#include "thrift/RecordingLogger.h"
+#include "common/RecordingLogger.h"
 
 using namespace Tarni;
 using namespace Tarni::DriverSupport;

@@ -2,7 +2,7 @@
 
 #include "support/TarniSettingReader.h"
 #include "thrift/ErrorCapture.h"
-#include "thrift/RecordingLogger.h"
+#include "common/RecordingLogger.h"
 #include "thrift/TEConnectionUtils.h"
 
 using namespace Tarni;

@@ -3,7 +3,7 @@
 #include <regex>
 
 #include "thrift/ErrorCapture.h"
-#include "thrift/RecordingLogger.h"
+#include "common/RecordingLogger.h"
 #include "thrift/TESettings.h"
 
 using namespace Tarni;

@@ -12,7 +12,7 @@
 #include "support/SupportException.h"
 #include "support/crypto/LibCrypto.h"
 #include "thrift/ErrorCapture.h"
-#include "thrift/RecordingLogger.h"
+#include "common/RecordingLogger.h"
 #include "thrift/TEAutoEVPPKey.h"
 #include "thrift/TEOCICredentialsReader.h"
 #include "thrift/TEUtils.h"

@@ -6,7 +6,7 @@
 
 #include "driversupport/DSBase64.h"
 #include "thrift/ErrorCapture.h"
-#include "thrift/RecordingLogger.h"
+#include "common/RecordingLogger.h"
 #include "thrift/TECatalogRemovalPatternCache.h"
 #include "thrift/TEUtils.h"
 
