@@ -12,8 +12,8 @@
 #include <string>
 
 #include "driversupport/DSEncryptionUtils.h"
-#include "dsi/DSITypeUtilities.h"
-#include "support/ErrorException.h"
+#include "core/DSITypeUtilities.h"
+#include "core/ErrorException.h"
 #include "support/StringConverter.h"
 
 using namespace Tarni;

@@ -3,7 +3,7 @@
 // and its arguments are exercised) and throws the text away.
 #include <cstdio>
 
-#include "support/ILogger.h"
+#include "core/ILogger.h"
 
 namespace Tarni::Fuzzing
 {

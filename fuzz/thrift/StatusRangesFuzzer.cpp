@@ -5,7 +5,7 @@
 #include <string>
 
 #include "FormattingLogger.h"
-#include "support/ErrorException.h"
+#include "core/ErrorException.h"
 #include "thrift/TEConnectionUtils.h"
 
 using namespace Tarni;

@@ -7,7 +7,7 @@
 
 #include "driversupport/DSBase64.h"
 #include "FormattingLogger.h"
-#include "support/ErrorException.h"
+#include "core/ErrorException.h"
 #include "thrift/TEUtils.h"
 
 using namespace Tarni;

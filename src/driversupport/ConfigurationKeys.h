@@ -3,7 +3,7 @@
 // of the stored format (registry value names, INI keys, export files), so
 // code never spells a key any other way. Odd spellings ("supress-...") are
 // part of the format too.
-#include "support/TarniString.h"
+#include "core/TarniString.h"
 
 namespace Tarni::DriverSupport::Keys
 {

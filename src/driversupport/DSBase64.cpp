@@ -1,6 +1,6 @@
 #include "driversupport/DSBase64.h"
 
-#include "support/ErrorException.h"
+#include "core/ErrorException.h"
 #include "support/StringConverter.h"
 
 namespace Tarni::DriverSupport

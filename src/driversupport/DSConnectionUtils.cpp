@@ -3,7 +3,7 @@
 #include <limits>
 
 #include "driversupport/ConfigurationKeys.h"
-#include "support/ErrorException.h"
+#include "core/ErrorException.h"
 #include "support/StringConverter.h"
 #include "support/TarniSettingReader.h"
 

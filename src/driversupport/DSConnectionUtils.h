@@ -13,7 +13,7 @@
 
 #include "driversupport/ConfigurationMap.h"
 #include "driversupport/DSWarningList.h"
-#include "support/ILogger.h"
+#include "core/ILogger.h"
 
 namespace Tarni::DriverSupport
 {

@@ -4,8 +4,8 @@
 
 #include "driversupport/ConfigurationKeys.h"
 #include "driversupport/DSProductHelper.h"
-#include "support/ErrorException.h"
-#include "support/NumberConverter.h"
+#include "core/ErrorException.h"
+#include "core/NumberConverter.h"
 #include "support/TarniSettingReader.h"
 
 namespace Tarni::DriverSupport

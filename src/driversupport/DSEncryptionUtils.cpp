@@ -4,10 +4,11 @@
 #include <memory>
 #include <mutex>
 
-#include "dsi/DSIException.h"
-#include "dsi/DSITypeUtilities.h"
-#include "support/ErrorException.h"
-#include "support/ILogger.h"
+#include "core/DSIException.h"
+#include "core/DSITypeUtilities.h"
+#include "core/ErrorException.h"
+#include "core/ILogger.h"
+#include "support/crypto/SecretCipherSealer.h"
 #include "support/StringConverter.h"
 
 namespace Tarni::DriverSupport
@@ -46,7 +47,8 @@ std::shared_ptr<SecretProtector> GetProtector()
     std::lock_guard<std::mutex> guard(s_lock);
     if (s_protector == nullptr)
     {
-        s_protector = SecretProtector::Create(s_locations.value_or(Platform::SecretKeyLocations::Default()));
+        s_protector = SecretProtector::Create(s_locations.value_or(Platform::SecretKeyLocations::Default()),
+                                              Support::SecretCipherSealer::Instance());
     }
     return s_protector;
 }

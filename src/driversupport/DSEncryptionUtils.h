@@ -13,7 +13,7 @@
 #include <optional>
 
 #include "platform/SecretProtector.h"
-#include "support/TarniString.h"
+#include "core/TarniString.h"
 
 namespace Tarni::Support
 {

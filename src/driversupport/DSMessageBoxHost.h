@@ -4,7 +4,7 @@
 // tests record what would be shown.
 #include <cstdint>
 
-#include "support/TarniString.h"
+#include "core/TarniString.h"
 
 namespace Tarni::DriverSupport
 {

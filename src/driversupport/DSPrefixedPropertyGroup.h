@@ -7,7 +7,7 @@
 
 #include "driversupport/ConfigurationMap.h"
 #include "platform/ISettingsStore.h"
-#include "support/ILogger.h"
+#include "core/ILogger.h"
 
 namespace Tarni::DriverSupport
 {

@@ -5,7 +5,7 @@
 #include <sstream>
 
 #include "platform/ProcessEnvironment.h"
-#include "support/ErrorException.h"
+#include "core/ErrorException.h"
 #include "support/StringConverter.h"
 
 namespace Tarni::DriverSupport

@@ -1,6 +1,6 @@
 #include "driversupport/DSUidPwdConfiguration.h"
 
-#include "support/ErrorException.h"
+#include "core/ErrorException.h"
 
 
 #include "driversupport/DSEncryptionUtils.h"

@@ -6,8 +6,8 @@
 #include "driversupport/DSConfigurationComponent.h"
 #include "driversupport/DSMessageBoxHost.h"
 #include "driversupport/DSUidPwdKeySet.h"
-#include "support/ErrorException.h"
-#include "support/ILogger.h"
+#include "core/ErrorException.h"
+#include "core/ILogger.h"
 
 namespace Tarni::DriverSupport
 {

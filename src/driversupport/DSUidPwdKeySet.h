@@ -1,5 +1,5 @@
 #pragma once
-#include "support/TarniString.h"
+#include "core/TarniString.h"
 
 namespace Tarni::DriverSupport
 {

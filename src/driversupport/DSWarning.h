@@ -4,8 +4,8 @@
 // when the warning is posted to the application.
 #include <vector>
 
-#include "support/ComponentId.h"
-#include "support/TarniString.h"
+#include "core/ComponentId.h"
+#include "core/TarniString.h"
 
 namespace Tarni::DriverSupport
 {

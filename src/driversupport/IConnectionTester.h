@@ -3,7 +3,7 @@
 // data source's configuration and tries to connect with it. The driver's own
 // connect path implements it; a build without one uses
 // DSUnavailableConnectionTester, which says so.
-#include "support/TarniString.h"
+#include "core/TarniString.h"
 
 namespace Tarni::DriverSupport
 {

@@ -1,7 +1,7 @@
 #pragma once
 // Names of the read-only product settings (product data file). "supress-..."
 // with one "p" and "suppress-aoss" with two are part of the format.
-#include "support/TarniString.h"
+#include "core/TarniString.h"
 
 namespace Tarni::DriverSupport::ProductSettingKeys
 {

@@ -6,7 +6,7 @@
 // program that does not start.
 #include <memory>
 
-#include "support/TarniString.h"
+#include "core/TarniString.h"
 
 namespace Tarni::Platform
 {

@@ -4,7 +4,7 @@
 // file, sharing and locking a file between processes, network paths.
 #include <cstdio>
 
-#include "support/TarniString.h"
+#include "core/TarniString.h"
 
 namespace Tarni::Platform
 {

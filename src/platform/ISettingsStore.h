@@ -7,7 +7,7 @@
 // applied at once.
 #include <vector>
 
-#include "support/TarniString.h"
+#include "core/TarniString.h"
 
 namespace Tarni::Platform
 {

@@ -1,13 +1,14 @@
 #include "platform/IniDocument.h"
 
-#include "support/ErrorException.h"
-#include "support/StringConverter.h"
+#include "core/ErrorException.h"
+#include "core/NumberConverter.h"
+#include "platform/TextConversion.h"
 
 namespace Tarni::Platform
 {
 using Support::DiagState;
 using Support::ErrorException;
-using Support::StringConverter;
+
 
 namespace
 {
@@ -27,13 +28,13 @@ std::string Trim(const std::string& in_text)
 [[noreturn]] void ThrowAtLine(const char16_t* in_key, tarni_wstring_view in_file, size_t in_line)
 {
     throw ErrorException(DiagState::GeneralError, Support::DS_ERROR, in_key,
-                         {tarni_wstring(in_file), StringConverter::FromNumber(static_cast<unsigned long long>(in_line))});
+                         {tarni_wstring(in_file), Support::NumberConverter::ToText(static_cast<unsigned long long>(in_line))});
 }
 }  // namespace
 
 bool IniDocument::SameName(const std::string& in_left, const std::string& in_right)
 {
-    return StringConverter::EqualsIgnoreCase(StringConverter::FromUtf8(in_left), StringConverter::FromUtf8(in_right));
+    return TextConversion::EqualsIgnoreCase(TextConversion::StrictUtf8ToUtf16(in_left), TextConversion::StrictUtf8ToUtf16(in_right));
 }
 
 IniDocument IniDocument::Parse(const std::string& in_bytes, tarni_wstring_view in_fileName)
@@ -68,7 +69,7 @@ IniDocument IniDocument::Parse(const std::string& in_bytes, tarni_wstring_view i
             line.text.pop_back();
             line.ending = "\r" + line.ending;
         }
-        if (!StringConverter::IsValidUtf8(line.text))
+        if (!TextConversion::IsValidUtf8(line.text))
         {
             ThrowAtLine(u"DSIniEncodingErr", in_fileName, lineNumber);
         }
@@ -108,7 +109,7 @@ IniDocument IniDocument::Parse(const std::string& in_bytes, tarni_wstring_view i
 
 std::vector<StoredValue> IniDocument::ReadSection(tarni_wstring_view in_section) const
 {
-    const std::string section = StringConverter::ToUtf8(in_section);
+    const std::string section = TextConversion::Utf16ToUtf8(in_section);
     std::vector<StoredValue> values;
     for (const Line& line : m_lines)
     {
@@ -116,12 +117,12 @@ std::vector<StoredValue> IniDocument::ReadSection(tarni_wstring_view in_section)
         {
             continue;
         }
-        tarni_wstring name = StringConverter::FromUtf8(line.key);
-        tarni_wstring value = StringConverter::FromUtf8(line.text.substr(line.text.find('=') + 1));
+        tarni_wstring name = TextConversion::StrictUtf8ToUtf16(line.key);
+        tarni_wstring value = TextConversion::StrictUtf8ToUtf16(line.text.substr(line.text.find('=') + 1));
         bool replaced = false;
         for (StoredValue& existing : values)
         {
-            if (StringConverter::EqualsIgnoreCase(existing.name, name))
+            if (TextConversion::EqualsIgnoreCase(existing.name, name))
             {
                 existing.value = value;
                 replaced = true;
@@ -149,9 +150,9 @@ std::string IniDocument::NewLineEnding() const
 
 void IniDocument::SetValue(tarni_wstring_view in_section, tarni_wstring_view in_key, tarni_wstring_view in_value)
 {
-    const std::string section = StringConverter::ToUtf8(in_section);
-    const std::string key = StringConverter::ToUtf8(in_key);
-    const std::string value = StringConverter::ToUtf8(in_value);
+    const std::string section = TextConversion::Utf16ToUtf8(in_section);
+    const std::string key = TextConversion::Utf16ToUtf8(in_key);
+    const std::string value = TextConversion::Utf16ToUtf8(in_value);
 
     bool found = false;
     // A new entry goes after the section's last entry; in a section without
@@ -223,8 +224,8 @@ void IniDocument::SetValue(tarni_wstring_view in_section, tarni_wstring_view in_
 
 void IniDocument::DeleteValue(tarni_wstring_view in_section, tarni_wstring_view in_key)
 {
-    const std::string section = StringConverter::ToUtf8(in_section);
-    const std::string key = StringConverter::ToUtf8(in_key);
+    const std::string section = TextConversion::Utf16ToUtf8(in_section);
+    const std::string key = TextConversion::Utf16ToUtf8(in_key);
     for (size_t i = m_lines.size(); i-- > 0;)
     {
         const Line& line = m_lines[i];

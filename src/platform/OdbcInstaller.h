@@ -5,7 +5,7 @@
 // that they could not be made.
 #include <optional>
 
-#include "support/TarniString.h"
+#include "core/TarniString.h"
 
 namespace Tarni::Platform
 {

@@ -2,7 +2,7 @@
 #include <optional>
 #include <vector>
 
-#include "support/TarniString.h"
+#include "core/TarniString.h"
 
 namespace Tarni::Platform
 {

@@ -2,8 +2,8 @@
 // Platform seam: protection of one stored secret in one of two scopes.
 //   Windows: the data protection API (CryptProtectData); the all-users scope
 //            is CRYPTPROTECT_LOCAL_MACHINE.
-//   Linux:   AES-256-CTR with an HMAC-SHA-256 tag through libcrypto
-//            (Support::SecretCipher); the key material of the current-user
+//   Linux:   AES-256-CTR with an HMAC-SHA-256 tag through libcrypto (the
+//            SecretSealer handed in by the caller); the key material of the current-user
 //            scope is a 32-byte random key file of mode 0600, that of the
 //            all-users scope the machine identity.
 // The seam works on bytes; the text form of a protected value (leading text
@@ -14,7 +14,8 @@
 #include <string>
 #include <string_view>
 
-#include "support/TarniString.h"
+#include "core/TarniString.h"
+#include "platform/SecretSealer.h"
 
 namespace Tarni::Platform
 {
@@ -52,8 +53,11 @@ class SecretProtector
 public:
     virtual ~SecretProtector() = default;
 
-    /// The platform's protector over the given key sources.
-    static std::unique_ptr<SecretProtector> Create(const SecretKeyLocations& in_locations);
+    /// The platform's protector over the given key sources. A protector that
+    /// seals with key material of its own (Linux) uses in_sealer, which must
+    /// outlive it; DPAPI does its own cryptography and ignores it.
+    static std::unique_ptr<SecretProtector> Create(const SecretKeyLocations& in_locations,
+                                                   const SecretSealer& in_sealer);
 
     virtual SecretMethod GetMethod() const = 0;
 

@@ -1,7 +1,7 @@
 #pragma once
 // File names of the shared libraries that the program loads at run time, as
 // each platform names them.
-#include "support/TarniString.h"
+#include "core/TarniString.h"
 
 namespace Tarni::Platform
 {

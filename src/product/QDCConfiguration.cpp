@@ -3,7 +3,7 @@
 #include "driversupport/ConfigurationKeys.h"
 #include "driversupport/DSProductHelper.h"
 #include "driversupport/ProductSettingKeys.h"
-#include "support/ErrorException.h"
+#include "core/ErrorException.h"
 #include "support/StringConverter.h"
 #include "support/TarniSettingReader.h"
 

@@ -6,7 +6,7 @@
 #include "driversupport/DSProductHelper.h"
 #include "driversupport/ProductSettingKeys.h"
 #include "product/SOConfigurationTables.h"
-#include "support/NumberConverter.h"
+#include "core/NumberConverter.h"
 
 namespace Tarni::SparkODBC
 {

@@ -1,7 +1,7 @@
 #pragma once
 // Defaults and offers that the product settings decide. Each result is
 // computed once per loaded set of product settings, under a lock.
-#include "support/TarniString.h"
+#include "core/TarniString.h"
 
 namespace Tarni::SparkODBC
 {

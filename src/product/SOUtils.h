@@ -1,6 +1,6 @@
 #pragma once
-#include "support/ILogger.h"
-#include "support/TarniString.h"
+#include "core/ILogger.h"
+#include "core/TarniString.h"
 
 namespace Tarni::SparkODBC
 {

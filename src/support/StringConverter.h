@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "support/TarniString.h"
+#include "core/TarniString.h"
 
 namespace Tarni::Support
 {

@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "support/ILogger.h"
+#include "core/ILogger.h"
 #include "support/crypto/LibCrypto.h"
 
 namespace Tarni::ThriftExtension

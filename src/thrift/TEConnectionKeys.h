@@ -2,7 +2,7 @@
 // Key names read only by the Thrift connection layer. Keys that the dialogs
 // edit as well are in driversupport/ConfigurationKeys.h. The name, including
 // its case and odd spellings ("Behaivor"), is the stored format.
-#include "support/TarniString.h"
+#include "core/TarniString.h"
 
 namespace Tarni::ThriftExtension::Keys
 {

@@ -16,7 +16,7 @@
 
 #include "driversupport/ConfigurationMap.h"
 #include "driversupport/DSWarningList.h"
-#include "support/ILogger.h"
+#include "core/ILogger.h"
 #include "thrift/TESettings.h"
 
 namespace Tarni::ThriftExtension

@@ -1,5 +1,5 @@
 #pragma once
-#include "support/ErrorException.h"
+#include "core/ErrorException.h"
 
 namespace Tarni::ThriftExtension
 {

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "support/ILogger.h"
+#include "core/ILogger.h"
 #include "thrift/TEHttpStatusRanges.h"
 
 namespace Tarni::ThriftExtension

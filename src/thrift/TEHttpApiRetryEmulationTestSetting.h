@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "support/ILogger.h"
+#include "core/ILogger.h"
 #include "thrift/TEEmulatedHttpResponse.h"
 #include "thrift/TEHttpStatusRanges.h"
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "support/ILogger.h"
+#include "core/ILogger.h"
 #include "thrift/TEHttpApiRetryEmulationTestSetting.h"
 
 namespace Tarni::ThriftExtension

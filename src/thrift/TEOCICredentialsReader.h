@@ -5,7 +5,7 @@
 // not usable, the connection falls back to the browser-based flow.
 #include <string>
 
-#include "support/ILogger.h"
+#include "core/ILogger.h"
 #include "thrift/TEOCISettings.h"
 
 namespace Tarni::ThriftExtension

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "support/ILogger.h"
+#include "core/ILogger.h"
 #include "thrift/TEHTTPSettings.h"
 #include "thrift/TEHttpApiRetryEmulationTestSettings.h"
 #include "thrift/TEHttpRetryAfterSetting.h"

@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-#include "support/ILogger.h"
+#include "core/ILogger.h"
 
 namespace Tarni::ThriftExtension
 {

@@ -8,8 +8,8 @@
 #include <string_view>
 
 #include "driversupport/DSUidPwdKeySet.h"
-#include "support/ILogger.h"
-#include "support/TarniString.h"
+#include "core/ILogger.h"
+#include "core/TarniString.h"
 
 #ifdef TARNI_HAVE_THRIFT
 namespace apache::thrift::transport

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "support/ErrorException.h"
-#include "support/ILogger.h"
+#include "core/ErrorException.h"
+#include "core/ILogger.h"
 
 namespace Tarni::Testing
 {

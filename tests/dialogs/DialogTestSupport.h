@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "dialogs/DSDialogModule.h"
-#include "platform/scripted/ScriptedDialogHost.h"
-#include "support/ErrorException.h"
-#include "support/ILogger.h"
+#include "dialogs/framework/DSDialogModule.h"
+#include "ui/scripted/ScriptedDialogHost.h"
+#include "core/ErrorException.h"
+#include "core/ILogger.h"
 
 namespace Tarni::Testing
 {

@@ -6,9 +6,9 @@
 #include <string>
 
 #include "common/TempDirectory.h"
-#include "dialogs/DSMessageCatalogue.h"
+#include "dialogs/framework/DSMessageCatalogue.h"
 #include "dialogs/DialogTestSupport.h"
-#include "dialogs/QuillConfigurationDialog.h"
+#include "dialogs/product/QuillConfigurationDialog.h"
 #include "driversupport/DSProductHelper.h"
 #include "driversupport/DSUidPwdConfiguration.h"
 #include "product/QuillConfiguration.h"

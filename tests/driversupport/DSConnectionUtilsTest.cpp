@@ -5,7 +5,7 @@
 #include "driversupport/DSBase64.h"
 #include "driversupport/DSConnectionUtils.h"
 #include "platform/ISettingsStore.h"
-#include "support/ErrorException.h"
+#include "core/ErrorException.h"
 #include "support/TarniSettingReader.h"
 #include "common/RecordingLogger.h"
 

@@ -6,7 +6,7 @@
 
 #include "SecretTestSupport.h"
 #include "driversupport/DSEncryptionUtils.h"
-#include "support/SupportException.h"
+#include "core/SupportException.h"
 #include "support/crypto/LibCrypto.h"
 #include "support/crypto/SecretCipher.h"
 

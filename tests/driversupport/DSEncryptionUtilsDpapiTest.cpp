@@ -3,7 +3,7 @@
 
 #include "SecretTestSupport.h"
 #include "driversupport/DSEncryptionUtils.h"
-#include "dsi/DSITypeUtilities.h"
+#include "core/DSITypeUtilities.h"
 
 using Tarni::tarni_wstring;
 using Tarni::DriverSupport::DSEncryptionUtils;

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "common/SecretKeySources.h"
-#include "support/ErrorException.h"
+#include "core/ErrorException.h"
 
 namespace SecretTest
 {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/IniDocument.h"
-#include "support/ErrorException.h"
+#include "core/ErrorException.h"
 
 using Tarni::Platform::IniDocument;
 using Tarni::Support::ErrorException;

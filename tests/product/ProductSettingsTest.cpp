@@ -3,7 +3,7 @@
 #include "product/QuillConfiguration.h"
 #include "product/SOConfigurationTables.h"
 #include "product/SOProductSettings.h"
-#include "support/ErrorException.h"
+#include "core/ErrorException.h"
 
 using namespace Tarni;
 using SparkODBC::SOProductSettings;

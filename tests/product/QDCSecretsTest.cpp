@@ -13,6 +13,7 @@
 #include "platform/SecretProtector.h"
 #include "platform/SettingsStoreFactory.h"
 #include "product/QDCConfiguration.h"
+#include "support/crypto/SecretCipherSealer.h"
 #include "support/crypto/LibCrypto.h"
 
 using namespace Tarni;
@@ -200,7 +201,7 @@ TEST_F(DriverSecrets, AnAlteredStoredValueIsReportedAndTheStoreStaysAsItWas)
 
 TEST_F(DriverSecrets, AMissingCryptoLibraryFailsTheSaveBeforeAnythingIsWritten)
 {
-    if (Platform::SecretProtector::Create({})->GetMethod() != Platform::SecretMethod::Aes256Ctr)
+    if (Platform::SecretProtector::Create({}, Tarni::Support::SecretCipherSealer::Instance())->GetMethod() != Platform::SecretMethod::Aes256Ctr)
     {
         GTEST_SKIP() << "this platform protects secrets without libcrypto";
     }

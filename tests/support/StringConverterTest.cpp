@@ -2,7 +2,7 @@
 
 #include "support/CaseInsensitiveLess.h"
 #include "support/StringConverter.h"
-#include "support/SupportException.h"
+#include "core/SupportException.h"
 
 using Tarni::tarni_wstring;
 using Tarni::Support::StringConverter;

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "common/TempDirectory.h"
-#include "support/TarniString.h"
+#include "core/TarniString.h"
 
 namespace TarniTest
 {

@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "support/ErrorException.h"
+#include "core/ErrorException.h"
 #include "support/StringConverter.h"
 
 namespace Tarni::Testing

@@ -9,7 +9,7 @@
 #include <fstream>
 
 #include "driversupport/DSBase64.h"
-#include "support/SupportException.h"
+#include "core/SupportException.h"
 #include "support/crypto/LibCrypto.h"
 #include "thrift/ErrorCapture.h"
 #include "common/RecordingLogger.h"

@@ -9,14 +9,13 @@
 #include <sstream>
 
 #include "platform/SystemError.h"
-#include "support/ErrorException.h"
-#include "support/StringConverter.h"
-#include "support/crypto/SecretCipher.h"
+#include "core/ErrorException.h"
+#include "platform/TextConversion.h"
 
 namespace Tarni::Platform
 {
 using Support::ErrorException;
-using Support::StringConverter;
+
 
 namespace
 {
@@ -82,7 +81,7 @@ std::string_view ScopeLabelSuffix(SecretScope in_scope)
 std::string AesSecretProtector::Protect(std::string_view in_plain, SecretScope in_scope, std::string_view in_label)
 {
     const std::string key = *GetKeyMaterial(in_scope, true);
-    return Support::SecretCipher::Seal(in_plain, key, SALT, std::string(in_label) + "|" +
+    return m_sealer.Seal(in_plain, key, SALT, std::string(in_label) + "|" +
                                                               std::string(ScopeLabelSuffix(in_scope)));
 }
 
@@ -96,7 +95,7 @@ std::optional<std::string> AesSecretProtector::Unprotect(std::string_view in_pro
         // another user's (or the key file was removed).
         return std::nullopt;
     }
-    return Support::SecretCipher::Open(in_protected, *key, SALT,
+    return m_sealer.Open(in_protected, *key, SALT,
                                        std::string(in_label) + "|" + std::string(ScopeLabelSuffix(in_scope)));
 }
 
@@ -116,7 +115,7 @@ std::optional<std::string> AesSecretProtector::GetKeyMaterial(SecretScope in_sco
 
 std::optional<std::string> AesSecretProtector::ReadUserKey() const
 {
-    const std::string path = StringConverter::ToUtf8(m_locations.userKeyFile);
+    const std::string path = TextConversion::Utf16ToUtf8(m_locations.userKeyFile);
     FileDescriptor file(open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
     if (file.fd < 0)
     {
@@ -142,11 +141,11 @@ std::optional<std::string> AesSecretProtector::ReadUserKey() const
     {
         ThrowKeyFileError(m_locations.userKeyFile, u"readable or writable by other users (mode must be 0600)");
     }
-    if (info.st_size != static_cast<off_t>(Support::SecretCipher::KEY_LENGTH))
+    if (info.st_size != static_cast<off_t>(m_sealer.GetKeyLength()))
     {
         ThrowKeyFileError(m_locations.userKeyFile, u"not a key of 32 bytes");
     }
-    std::string key(Support::SecretCipher::KEY_LENGTH, '\0');
+    std::string key(m_sealer.GetKeyLength(), '\0');
     size_t done = 0;
     while (done < key.size())
     {
@@ -160,7 +159,7 @@ std::optional<std::string> AesSecretProtector::ReadUserKey() const
 
 std::string AesSecretProtector::CreateUserKey() const
 {
-    const std::string path = StringConverter::ToUtf8(m_locations.userKeyFile);
+    const std::string path = TextConversion::Utf16ToUtf8(m_locations.userKeyFile);
     const size_t slash = path.rfind('/');
     if (slash == std::string::npos || slash == 0)
     {
@@ -178,7 +177,7 @@ std::string AesSecretProtector::CreateUserKey() const
     {
         ThrowKeyFileSystemError(m_locations.userKeyFile, errno);
     }
-    const std::string key = Support::SecretCipher::RandomBytes(Support::SecretCipher::KEY_LENGTH);
+    const std::string key = m_sealer.RandomBytes(m_sealer.GetKeyLength());
     const bool written = fchmod(file.fd, 0600) == 0 && WriteAll(file.fd, key) && fsync(file.fd) == 0;
     const int writeError = errno;
     if (!written || link(temporary.c_str(), path.c_str()) != 0)
@@ -197,7 +196,7 @@ std::string AesSecretProtector::CreateUserKey() const
 
 std::string AesSecretProtector::ReadMachineIdentity() const
 {
-    std::ifstream file(StringConverter::ToUtf8(m_locations.machineIdentityFile), std::ios::binary);
+    std::ifstream file(TextConversion::Utf16ToUtf8(m_locations.machineIdentityFile), std::ios::binary);
     std::ostringstream content;
     if (file)
     {

@@ -3,12 +3,15 @@
 
 namespace Tarni::Platform
 {
-/// The Linux protector: AES-256-CTR + HMAC-SHA-256 (Support::SecretCipher)
+/// The Linux protector: AES-256-CTR + HMAC-SHA-256 (the given sealer)
 /// with key material from the user's key file or the machine identity.
 class AesSecretProtector : public SecretProtector
 {
 public:
-    explicit AesSecretProtector(SecretKeyLocations in_locations) : m_locations(std::move(in_locations)) {}
+    AesSecretProtector(SecretKeyLocations in_locations, const SecretSealer& in_sealer)
+        : m_locations(std::move(in_locations)), m_sealer(in_sealer)
+    {
+    }
 
     SecretMethod GetMethod() const override { return SecretMethod::Aes256Ctr; }
     std::string Protect(std::string_view in_plain, SecretScope in_scope, std::string_view in_label) override;
@@ -24,5 +27,6 @@ private:
     std::string ReadMachineIdentity() const;
 
     SecretKeyLocations m_locations;
+    const SecretSealer& m_sealer;
 };
 }  // namespace Tarni::Platform

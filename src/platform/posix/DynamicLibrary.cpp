@@ -2,15 +2,15 @@
 
 #include <dlfcn.h>
 
-#include "support/StringConverter.h"
+#include "platform/TextConversion.h"
 
 namespace Tarni::Platform
 {
-using Support::StringConverter;
+
 
 std::unique_ptr<DynamicLibrary> DynamicLibrary::TryOpen(tarni_wstring_view in_name, tarni_wstring* out_error)
 {
-    const std::string name = StringConverter::ToUtf8(in_name);
+    const std::string name = TextConversion::Utf16ToUtf8(in_name);
     // RTLD_LOCAL keeps the library's symbols out of the global namespace, so
     // loading it cannot change what other libraries of the process resolve.
     void* handle = dlopen(name.c_str(), RTLD_NOW | RTLD_LOCAL);
@@ -19,7 +19,7 @@ std::unique_ptr<DynamicLibrary> DynamicLibrary::TryOpen(tarni_wstring_view in_na
         if (out_error != nullptr)
         {
             const char* reason = dlerror();
-            *out_error = StringConverter::FromUtf8(reason != nullptr && StringConverter::IsValidUtf8(reason)
+            *out_error = TextConversion::StrictUtf8ToUtf16(reason != nullptr && TextConversion::IsValidUtf8(reason)
                                                        ? reason
                                                        : "the library could not be loaded");
         }

@@ -9,7 +9,7 @@
 #include <cstring>
 #include <string>
 
-#include "support/StringConverter.h"
+#include "platform/TextConversion.h"
 
 namespace Tarni::Platform
 {
@@ -54,7 +54,7 @@ std::FILE* FileAccess::Open(const tarni_wstring& in_path, const char* in_mode)
 {
     // "e": the descriptor is not inherited by programs the process starts.
     const std::string mode = std::string(in_mode) + "e";
-    return std::fopen(Support::StringConverter::ToUtf8(in_path).c_str(), mode.c_str());
+    return std::fopen(TextConversion::Utf16ToUtf8(in_path).c_str(), mode.c_str());
 }
 
 std::FILE* FileAccess::OpenSharedAppend(const char* in_path)

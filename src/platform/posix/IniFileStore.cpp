@@ -12,14 +12,14 @@
 
 #include "platform/IniDocument.h"
 #include "platform/SystemError.h"
-#include "support/ErrorException.h"
-#include "support/StringConverter.h"
+#include "core/ErrorException.h"
+#include "platform/TextConversion.h"
 
 namespace Tarni::Platform
 {
 using Support::DiagState;
 using Support::ErrorException;
-using Support::StringConverter;
+
 
 namespace
 {
@@ -29,7 +29,7 @@ constexpr off_t MAX_FILE_SIZE = 16 * 1024 * 1024;
 [[noreturn]] void ThrowFileError(const char16_t* in_key, const std::string& in_path, int in_errno)
 {
     throw ErrorException(DiagState::GeneralError, Support::DS_ERROR, in_key,
-                         {StringConverter::FromUtf8(in_path), SystemError::Text(in_errno)});
+                         {TextConversion::StrictUtf8ToUtf16(in_path), SystemError::Text(in_errno)});
 }
 
 // Scope guard that closes a descriptor and removes a temporary file unless released.
@@ -67,7 +67,7 @@ IniFileStore::~IniFileStore()
 std::string IniFileStore::TargetPath() const
 {
     // Write through a symbolic link to the file it names, so the link stays.
-    const std::string path = StringConverter::ToUtf8(m_path);
+    const std::string path = TextConversion::Utf16ToUtf8(m_path);
     char resolved[PATH_MAX];
     if (realpath(path.c_str(), resolved) != nullptr)
     {

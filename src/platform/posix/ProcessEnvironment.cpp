@@ -6,20 +6,20 @@
 #include <cstdlib>
 #include <string>
 
-#include "support/StringConverter.h"
+#include "platform/TextConversion.h"
 
 namespace Tarni::Platform
 {
-using Support::StringConverter;
+
 
 std::optional<tarni_wstring> ProcessEnvironment::GetVariable(tarni_wstring_view in_name)
 {
-    const char* value = std::getenv(StringConverter::ToUtf8(in_name).c_str());
+    const char* value = std::getenv(TextConversion::Utf16ToUtf8(in_name).c_str());
     if (value == nullptr)
     {
         return std::nullopt;
     }
-    return StringConverter::FromUtf8(value);
+    return TextConversion::StrictUtf8ToUtf16(value);
 }
 
 tarni_wstring ProcessEnvironment::GetExecutableDirectory()
@@ -32,18 +32,18 @@ tarni_wstring ProcessEnvironment::GetExecutableDirectory()
     }
     path.resize(static_cast<size_t>(length));
     path.erase(path.rfind('/') + 1);
-    return StringConverter::FromUtf8(path);
+    return TextConversion::StrictUtf8ToUtf16(path);
 }
 
 tarni_wstring ProcessEnvironment::GetHomeDirectory()
 {
     if (const char* home = std::getenv("HOME"); home != nullptr && *home != '\0')
     {
-        return StringConverter::FromUtf8(home);
+        return TextConversion::StrictUtf8ToUtf16(home);
     }
     if (const passwd* entry = getpwuid(getuid()); entry != nullptr && entry->pw_dir != nullptr)
     {
-        return StringConverter::FromUtf8(entry->pw_dir);
+        return TextConversion::StrictUtf8ToUtf16(entry->pw_dir);
     }
     return u".";
 }
@@ -61,7 +61,7 @@ std::vector<tarni_wstring> ProcessEnvironment::GetArguments(int in_argc, char** 
     std::vector<tarni_wstring> arguments;
     for (int i = 1; i < in_argc; ++i)
     {
-        arguments.push_back(Support::StringConverter::FromUtf8(in_argv[i]));
+        arguments.push_back(TextConversion::StrictUtf8ToUtf16(in_argv[i]));
     }
     return arguments;
 }

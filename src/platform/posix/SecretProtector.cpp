@@ -24,8 +24,9 @@ SecretKeyLocations SecretKeyLocations::Default()
     return locations;
 }
 
-std::unique_ptr<SecretProtector> SecretProtector::Create(const SecretKeyLocations& in_locations)
+std::unique_ptr<SecretProtector> SecretProtector::Create(const SecretKeyLocations& in_locations,
+                                                         const SecretSealer& in_sealer)
 {
-    return std::make_unique<AesSecretProtector>(in_locations);
+    return std::make_unique<AesSecretProtector>(in_locations, in_sealer);
 }
 }  // namespace Tarni::Platform

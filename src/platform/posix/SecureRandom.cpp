@@ -5,7 +5,7 @@
 #include <cerrno>
 
 #include "platform/SystemError.h"
-#include "support/SupportException.h"
+#include "core/SupportException.h"
 
 namespace Tarni::Platform
 {

@@ -3,7 +3,7 @@
 #include <cerrno>
 #include <cstring>
 
-#include "support/StringConverter.h"
+#include "platform/TextConversion.h"
 
 namespace Tarni::Platform
 {
@@ -20,6 +20,6 @@ tarni_wstring SystemError::Text(int in_code)
     {
         return u"Unknown error";
     }
-    return Support::StringConverter::FromUtf8(text);
+    return TextConversion::StrictUtf8ToUtf16(text);
 }
 }  // namespace Tarni::Platform

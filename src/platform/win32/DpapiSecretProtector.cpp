@@ -4,7 +4,7 @@
 #include <wincrypt.h>
 
 #include "platform/SystemError.h"
-#include "support/ErrorException.h"
+#include "core/ErrorException.h"
 
 namespace Tarni::Platform
 {

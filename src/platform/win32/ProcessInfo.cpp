@@ -3,7 +3,7 @@
 #include <windows.h>
 
 #include "platform/SystemError.h"
-#include "support/StringConverter.h"
+#include "platform/TextConversion.h"
 
 namespace Tarni::Platform
 {
@@ -23,10 +23,10 @@ bool ProcessInfo::GetCurrentUserName(std::string& out_name, std::string& out_err
     DWORD length = 257;
     if (GetUserNameW(name, &length) == FALSE)
     {
-        out_error = Support::StringConverter::ToUtf8(SystemError::Text(static_cast<int>(GetLastError())));
+        out_error = TextConversion::Utf16ToUtf8(SystemError::Text(static_cast<int>(GetLastError())));
         return false;
     }
-    out_name = Support::StringConverter::ToUtf8(reinterpret_cast<const char16_t*>(name));
+    out_name = TextConversion::Utf16ToUtf8(reinterpret_cast<const char16_t*>(name));
     return true;
 }
 

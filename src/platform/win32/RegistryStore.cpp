@@ -1,7 +1,7 @@
 #include "platform/win32/RegistryStore.h"
 
 #include "platform/SystemError.h"
-#include "support/ErrorException.h"
+#include "core/ErrorException.h"
 
 namespace Tarni::Platform
 {

@@ -10,7 +10,7 @@ SecretKeyLocations SecretKeyLocations::Default()
     return {};
 }
 
-std::unique_ptr<SecretProtector> SecretProtector::Create(const SecretKeyLocations&)
+std::unique_ptr<SecretProtector> SecretProtector::Create(const SecretKeyLocations&, const SecretSealer&)
 {
     return std::make_unique<DpapiSecretProtector>();
 }

@@ -8,8 +8,8 @@
 #include <limits>
 #include <string>
 
-#include "support/StringConverter.h"
-#include "support/SupportException.h"
+#include "platform/TextConversion.h"
+#include "core/SupportException.h"
 
 namespace Tarni::Platform
 {
@@ -20,7 +20,7 @@ namespace
     char code[16] = {};
     snprintf(code, sizeof(code), "0x%08lX", static_cast<unsigned long>(in_status));
     throw Support::SupportException(u"SecureRandomErr",
-                                    {Support::StringConverter::FromAscii(std::string(in_call) + " failed with status " + code)});
+                                    {TextConversion::StrictUtf8ToUtf16(std::string(in_call) + " failed with status " + code)});
 }
 }  // namespace
 

@@ -5,7 +5,7 @@
 #include <iosfwd>
 #include <vector>
 
-#include "support/TarniString.h"
+#include "core/TarniString.h"
 
 namespace Tarni::Support
 {

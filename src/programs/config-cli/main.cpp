@@ -2,7 +2,7 @@
 
 #include "platform/ProcessEnvironment.h"
 #include "programs/config-cli/ConfigCommandLine.h"
-#include "support/ErrorException.h"
+#include "core/ErrorException.h"
 #include "support/messages/DSIMessageManager.h"
 
 int main(int argc, char** argv)

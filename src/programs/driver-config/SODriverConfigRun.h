@@ -9,8 +9,8 @@
 #include <functional>
 #include <memory>
 
-#include "platform/dialog/IDialogHost.h"
-#include "support/ILogger.h"
+#include "ui/IDialogHost.h"
+#include "core/ILogger.h"
 
 namespace Tarni::SparkODBC
 {

@@ -1,6 +1,6 @@
 // The dialog program: the configuration run over the platform's dialog host.
 // It takes no arguments; the exit code is the main dialog's result.
-#include "platform/dialog/DialogHostFactory.h"
+#include "ui/DialogHostFactory.h"
 #include "programs/driver-config/SODriverConfigRun.h"
 
 int main()

@@ -5,7 +5,7 @@
 #include "platform/DynamicLibrary.h"
 #include "platform/SystemLibraryNames.h"
 #include "support/StringConverter.h"
-#include "support/SupportException.h"
+#include "core/SupportException.h"
 
 namespace Tarni::Support
 {

@@ -15,7 +15,7 @@
 #include <cstddef>
 #include <memory>
 
-#include "support/TarniString.h"
+#include "core/TarniString.h"
 
 namespace Tarni::Platform
 {

@@ -3,7 +3,7 @@
 #include <climits>
 #include <memory>
 
-#include "support/ErrorException.h"
+#include "core/ErrorException.h"
 #include "support/crypto/LibCrypto.h"
 
 namespace Tarni::Support

@@ -6,7 +6,7 @@
 #include <ctime>
 
 #include "platform/ProcessInfo.h"
-#include "support/ErrorException.h"
+#include "core/ErrorException.h"
 #include "support/StringConverter.h"
 #include "support/log/LogUtils.h"
 #include "support/messages/DSIMessageManager.h"

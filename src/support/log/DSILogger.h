@@ -5,7 +5,7 @@
 // A derived logger only decides where a finished line goes (WriteLine).
 #include <string>
 
-#include "support/ILogger.h"
+#include "core/ILogger.h"
 
 namespace Tarni::Support
 {

@@ -10,7 +10,7 @@
 #include <mutex>
 #include <optional>
 
-#include "support/TarniString.h"
+#include "core/TarniString.h"
 #include "support/log/DSILogger.h"
 
 namespace Tarni::Support

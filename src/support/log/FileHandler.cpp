@@ -8,9 +8,9 @@
 
 #include "platform/FileAccess.h"
 #include "platform/SystemError.h"
-#include "support/InvalidArgumentException.h"
+#include "core/InvalidArgumentException.h"
 #include "support/StringConverter.h"
-#include "support/SupportException.h"
+#include "core/SupportException.h"
 
 namespace Tarni::Support
 {

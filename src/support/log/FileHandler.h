@@ -9,7 +9,7 @@
 #include <mutex>
 #include <string_view>
 
-#include "support/TarniString.h"
+#include "core/TarniString.h"
 
 namespace Tarni::Support
 {

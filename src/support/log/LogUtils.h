@@ -3,8 +3,8 @@
 // text of a log line, the log file size and count values and the log folder.
 #include <string_view>
 
-#include "support/LogLevel.h"
-#include "support/TarniString.h"
+#include "core/LogLevel.h"
+#include "core/TarniString.h"
 
 namespace Tarni::Support
 {

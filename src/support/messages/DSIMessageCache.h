@@ -7,7 +7,7 @@
 #include <optional>
 #include <utility>
 
-#include "support/TarniString.h"
+#include "core/TarniString.h"
 
 namespace Tarni::Support
 {

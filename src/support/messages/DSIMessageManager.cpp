@@ -3,7 +3,7 @@
 #include <exception>
 #include <string>
 
-#include "dsi/DSIException.h"
+#include "core/DSIException.h"
 #include "support/StringConverter.h"
 
 namespace Tarni::Support

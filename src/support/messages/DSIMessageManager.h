@@ -5,8 +5,8 @@
 #include <atomic>
 #include <memory>
 
-#include "support/ErrorException.h"
-#include "support/ILogger.h"
+#include "core/ErrorException.h"
+#include "core/ILogger.h"
 #include "support/messages/DSIMessageSource.h"
 
 namespace Tarni::Support

@@ -1,8 +1,8 @@
 #include "support/messages/DSIMessageSource.h"
 
 #include "platform/ProcessEnvironment.h"
-#include "support/ComponentId.h"
-#include "support/NullLogger.h"
+#include "core/ComponentId.h"
+#include "core/NullLogger.h"
 #include "support/StringConverter.h"
 #include "support/TarniSettingReader.h"
 #include "support/messages/GetParameterizedMessage.h"

@@ -9,7 +9,7 @@
 #include <optional>
 #include <vector>
 
-#include "support/ILogger.h"
+#include "core/ILogger.h"
 #include "support/messages/DSIMessageCache.h"
 #include "support/messages/DSIXmlMessageReader.h"
 

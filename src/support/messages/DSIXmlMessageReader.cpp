@@ -10,12 +10,12 @@
 #include <exception>
 #include <memory>
 
-#include "dsi/DSIException.h"
+#include "core/DSIException.h"
 #include "platform/FileAccess.h"
 #include "platform/SystemError.h"
-#include "support/NullLogger.h"
+#include "core/NullLogger.h"
 #include "support/StringConverter.h"
-#include "support/SupportException.h"
+#include "core/SupportException.h"
 
 namespace Tarni::Support
 {

@@ -14,7 +14,7 @@
 #include <string_view>
 #include <vector>
 
-#include "support/ILogger.h"
+#include "core/ILogger.h"
 #include "support/messages/DSIMessageCache.h"
 
 namespace Tarni::Support

@@ -1,6 +1,6 @@
 #include "support/messages/GetParameterizedMessage.h"
 
-#include "dsi/DSIException.h"
+#include "core/DSIException.h"
 #include "support/StringConverter.h"
 
 namespace Tarni::Support

@@ -3,7 +3,7 @@
 // n counted from 1; every parameter is expected exactly once.
 #include <vector>
 
-#include "support/TarniString.h"
+#include "core/TarniString.h"
 
 namespace Tarni::Support
 {

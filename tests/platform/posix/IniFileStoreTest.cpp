@@ -4,19 +4,19 @@
 
 #include "common/TempDirectory.h"
 #include "platform/posix/IniFileStore.h"
-#include "support/ErrorException.h"
-#include "support/StringConverter.h"
+#include "core/ErrorException.h"
+#include "platform/TextConversion.h"
 
 using Tarni::Platform::IniFileStore;
 using Tarni::Support::ErrorException;
-using Tarni::Support::StringConverter;
+using Tarni::Platform::TextConversion;
 using Tarni::Testing::TempDirectory;
 
 namespace
 {
 IniFileStore StoreAt(const std::filesystem::path& in_path)
 {
-    return IniFileStore(StringConverter::FromUtf8(in_path.string()), u"Driver");
+    return IniFileStore(TextConversion::StrictUtf8ToUtf16(in_path.string()), u"Driver");
 }
 
 mode_t ModeOf(const std::filesystem::path& in_path)

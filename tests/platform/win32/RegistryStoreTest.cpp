@@ -3,7 +3,7 @@
 #include <map>
 
 #include "platform/win32/RegistryStore.h"
-#include "support/ErrorException.h"
+#include "core/ErrorException.h"
 
 using Tarni::Platform::RegistryStore;
 

@@ -10,8 +10,8 @@
 
 #include "driversupport/DSProductHelper.h"
 #include "platform/SettingsStoreFactory.h"
-#include "platform/win32/dialoghost/GuiDriver.h"
-#include "platform/win32/dialoghost/Win32DialogHost.h"
+#include "ui/win32/GuiDriver.h"
+#include "ui/win32/Win32DialogHost.h"
 #include "product/SOProductIdentity.h"
 #include "programs/driver-config/SODriverConfigRun.h"
 #include "resource.h"

@@ -10,8 +10,8 @@
 
 #include "driversupport/DSProductHelper.h"
 #include "platform/SettingsStoreFactory.h"
-#include "platform/dialog/DialogConstants.h"
-#include "platform/scripted/ScriptedDialogHost.h"
+#include "ui/DialogConstants.h"
+#include "ui/scripted/ScriptedDialogHost.h"
 #include "programs/driver-config/SODriverConfigRun.h"
 #include "resource.h"
 #include "support/StringConverter.h"

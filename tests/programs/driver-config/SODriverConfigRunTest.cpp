@@ -13,8 +13,8 @@
 
 #include "driversupport/DSProductHelper.h"
 #include "platform/SettingsStoreFactory.h"
-#include "platform/dialog/DialogConstants.h"
-#include "platform/scripted/ScriptedDialogHost.h"
+#include "ui/DialogConstants.h"
+#include "ui/scripted/ScriptedDialogHost.h"
 #include "resource.h"
 #include "support/StringConverter.h"
 

@@ -4,7 +4,7 @@
 
 #include "platform/SystemLibraryNames.h"
 #include "support/StringConverter.h"
-#include "support/SupportException.h"
+#include "core/SupportException.h"
 #include "support/crypto/LibCrypto.h"
 
 using Tarni::tarni_wstring;

@@ -7,9 +7,9 @@
 #include "CapturingLogger.h"
 #include "TestFiles.h"
 #include "platform/ProcessInfo.h"
-#include "support/SupportException.h"
+#include "core/SupportException.h"
 #include "support/messages/DSIMessageManager.h"
-#include "support/NullLogger.h"
+#include "core/NullLogger.h"
 
 using namespace Tarni::Support;
 using TarniTest::CapturingLogger;

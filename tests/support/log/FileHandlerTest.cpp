@@ -2,8 +2,8 @@
 
 #include <filesystem>
 
-#include "support/InvalidArgumentException.h"
-#include "support/SupportException.h"
+#include "core/InvalidArgumentException.h"
+#include "core/SupportException.h"
 #include "support/log/FileHandler.h"
 #include "platform/FileAccess.h"
 #include "TestFiles.h"

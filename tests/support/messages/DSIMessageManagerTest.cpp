@@ -3,9 +3,9 @@
 
 #include "CapturingLogger.h"
 #include "TestFiles.h"
-#include "dsi/DSIException.h"
+#include "core/DSIException.h"
 #include "platform/ProcessEnvironment.h"
-#include "support/SupportException.h"
+#include "core/SupportException.h"
 #include "support/TarniSettingReader.h"
 #include "support/messages/DSIMessageManager.h"
 

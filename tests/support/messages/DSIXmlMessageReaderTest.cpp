@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "CapturingLogger.h"
-#include "dsi/DSIException.h"
+#include "core/DSIException.h"
 #include "support/StringConverter.h"
 #include "support/messages/DSIXmlMessageReader.h"
 

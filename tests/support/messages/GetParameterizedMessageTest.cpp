@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "dsi/DSIException.h"
+#include "core/DSIException.h"
 #include "support/messages/GetParameterizedMessage.h"
 
 using Tarni::tarni_wstring;

@@ -13,7 +13,7 @@
 #include <set>
 
 #include "TestFiles.h"
-#include "support/ComponentId.h"
+#include "core/ComponentId.h"
 #include "support/StringConverter.h"
 #include "support/messages/DSIMessageManager.h"
 #include "support/messages/DSIXmlMessageReader.h"

@@ -1,0 +1,41 @@
+#pragma once
+// The Test Results dialog (template 133) of the DSN setup: shows the wait
+// cursor, attempts a connection with the data source's configuration and
+// reports the outcome in its read-only multi-line field, followed by the
+// ODBC version, the driver version, the bitness and the locale.
+#include "dialogs/framework/DSBaseDialog.h"
+#include "driversupport/DSDSNConfiguration.h"
+#include "driversupport/IConnectionTester.h"
+
+namespace Tarni::DriverSupport
+{
+class DSTestResultDialog : public DSBaseDialog
+{
+public:
+    /// The input map: the configuration to connect with and who connects.
+    struct Input
+    {
+        DSDSNConfiguration* configuration = nullptr;
+        IConnectionTester* tester = nullptr;
+    };
+
+    /// Runs the dialog; true after OK. An ErrorException of the attempt (or
+    /// of the wait cursor) is not shown here: it ends the dialog and reaches
+    /// the caller, which restores what it changed for the test before the
+    /// error is reported.
+    static bool Show(Platform::IDialogWindow* in_parent, Input* in_input);
+
+    static std::intptr_t ActionProc(Platform::IDialogWindow* in_window, std::uint32_t in_message,
+                                    std::uintptr_t in_wParam, std::intptr_t in_lParam);
+
+    static void Initialize(Platform::IDialogWindow* in_window, Input* in_input);
+    static void DoOkAction(Platform::IDialogWindow* in_window);
+    static void DoCancelAction(Platform::IDialogWindow* in_window);
+
+    /// The report of an outcome: string 1095 (success), 1094 and the error
+    /// (failure) or 1104 (no connection testing in this build); then the ODBC
+    /// version, the driver version, the bitness and the locale lines. A line
+    /// whose value the tester could not tell is left out.
+    static tarni_wstring FormatReport(const IConnectionTester::Outcome& in_outcome);
+};
+}  // namespace Tarni::DriverSupport
