@@ -1,5 +1,7 @@
 #include "driversupport/DSPrefixedPropertyGroup.h"
 
+#include <iterator>
+
 #include "support/StringConverter.h"
 
 namespace Tarni::DriverSupport
@@ -60,6 +62,19 @@ void DSPrefixedPropertyGroup::WriteOne(Platform::ISettingsStore& io_store, tarni
 {
     TARNI_LOG_ENTRY(m_logger, NS, CLS, "WriteOne");
     io_store.WriteValue(m_prefix + tarni_wstring(in_name), in_value);
+}
+
+void DSPrefixedPropertyGroup::CopyToMap(ConfigurationMap& io_map) const
+{
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "CopyToMap");
+    for (auto it = io_map.begin(); it != io_map.end();)
+    {
+        it = IsGroupKey(it->first) ? io_map.erase(it) : std::next(it);
+    }
+    for (const auto& [name, value] : m_properties)
+    {
+        io_map.SetValue(m_prefix + name, value);
+    }
 }
 
 void DSPrefixedPropertyGroup::DeleteOne(Platform::ISettingsStore& io_store, tarni_wstring_view in_name)

@@ -32,6 +32,10 @@ public:
     void WriteOne(Platform::ISettingsStore& io_store, tarni_wstring_view in_name, tarni_wstring_view in_value);
     void DeleteOne(Platform::ISettingsStore& io_store, tarni_wstring_view in_name);
 
+    /// Replaces the group's keys (prefix + name) in a configuration map by the
+    /// group's entries, so the map lists what a save will store.
+    void CopyToMap(ConfigurationMap& io_map) const;
+
     /// The log of the configuration that owns the group (nothing is logged without one).
     void SetLogger(Support::ILogger* in_logger) { m_logger = in_logger; }
 

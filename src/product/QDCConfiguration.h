@@ -34,6 +34,8 @@ public:
     DriverSupport::DSServerSidePropertyGroup& GetServerSideProperties() { return m_serverSideProperties; }
     DriverSupport::DSPrefixedPropertyGroup& GetHttpHeaders() { return m_httpHeaders; }
     Platform::ISettingsStore& GetStore() { return m_store; }
+    DriverSupport::DSServerSidePropertyGroup& GetServerSidePropertyGroup() override { return m_serverSideProperties; }
+    DriverSupport::DSPrefixedPropertyGroup& GetHttpHeaderGroup() override { return m_httpHeaders; }
 
     /// Sets one setting, keeping the map and the groups in step: a prefixed
     /// key goes into its group, and the server-side switches into theirs.

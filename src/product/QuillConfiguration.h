@@ -1,5 +1,6 @@
 #pragma once
 #include "driversupport/DSDSNConfiguration.h"
+#include "driversupport/DSServerSidePropertyGroup.h"
 
 namespace Tarni::SparkODBC
 {
@@ -29,6 +30,12 @@ public:
     DriverSupport::DSUidPwdConfiguration& GetOAuthAccessToken() { return *m_oauthAccessToken; }
     DriverSupport::DSUidPwdConfiguration& GetDFIKeyFilePassword() { return *m_dfiKeyFilePassword; }
 
+    /// The server-side properties ("SSP_") and HTTP headers ("http.header.")
+    /// that the dialogs edit. A data source keeps its own; the driver-wide
+    /// configuration answers with the groups it was given.
+    virtual DriverSupport::DSServerSidePropertyGroup& GetServerSidePropertyGroup() { return m_ownServerSideProperties; }
+    virtual DriverSupport::DSPrefixedPropertyGroup& GetHttpHeaderGroup() { return m_ownHttpHeaders; }
+
 private:
     DriverSupport::DSUidPwdConfiguration* AddCredential(DriverSupport::DSUidPwdKeySet in_keys,
                                                         tarni_wstring_view in_parentDlgName);
@@ -37,5 +44,7 @@ private:
     DriverSupport::DSUidPwdConfiguration* m_oauthClientSecret = nullptr;
     DriverSupport::DSUidPwdConfiguration* m_oauthAccessToken = nullptr;
     DriverSupport::DSUidPwdConfiguration* m_dfiKeyFilePassword = nullptr;
+    DriverSupport::DSServerSidePropertyGroup m_ownServerSideProperties;
+    DriverSupport::DSPrefixedPropertyGroup m_ownHttpHeaders{"http.header."};
 };
 }  // namespace Tarni::SparkODBC

@@ -5,8 +5,10 @@
 
 #include "dialogs/framework/DSDialogMessageBoxHost.h"
 #include "dialogs/framework/DSMessageCatalogue.h"
+#include "dialogs/driversupport/DSHttpPropertiesDialog.h"
 #include "dialogs/driversupport/DSPasswordOptionsDialog.h"
 #include "dialogs/driversupport/DSTestResultDialog.h"
+#include "dialogs/product/QuillAdvancedOptionsDialog.h"
 #include "dialogs/product/QuillZkDialog.h"
 #include "driversupport/ConfigurationKeys.h"
 #include "driversupport/DSProductHelper.h"
@@ -248,8 +250,20 @@ std::intptr_t QuillConfigurationDialog::ActionProc(IDialogWindow* in_window, std
                 dialog.OpenServiceDiscoveryOptions();
                 break;
             case IDC_ADVANCED_OPTIONS:
-            case IDC_SSL_OPTIONS:
+                QuillAdvancedOptionsDialog(dialog.m_configuration, dialog.GetSelectedServerTypeFromDlg(),
+                                           dialog.m_allowEditing)
+                    .Show(in_window);
+                dialog.CheckEnableButtons();
+                break;
             case IDC_HTTP_OPTIONS:
+                // The DFI service has a fixed HTTP path.
+                DriverSupport::DSHttpPropertiesDialog(dialog.m_configuration,
+                                                      dialog.m_configuration.GetHttpHeaderGroup(),
+                                                      dialog.GetSelectedServerTypeFromDlg() != Tables::SERVER_DFI)
+                    .Show(in_window);
+                dialog.CheckEnableButtons();
+                break;
+            case IDC_SSL_OPTIONS:
             case IDC_LOGGING_OPTIONS:
             case IDC_PROXY_OPTIONS:
             case IDC_DFI_OPTIONS:
