@@ -6,6 +6,7 @@
 #include <signal.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -404,6 +405,121 @@ TEST_F(DriverConfigTerminalTest, SwitchingToDfiAndBackRestoresMechanismAndTransp
     {
         EXPECT_NE(ini.find(line), std::string::npos) << line << ini;
     }
+    ExpectTerminalRestored();
+}
+}  // namespace Tarni::Testing
+
+namespace Tarni::Testing
+{
+namespace
+{
+/// What `tarni-spark-config show` prints for the INI file.
+std::string ShowConfiguration(const std::filesystem::path& in_ini)
+{
+    const std::string command = "'" + std::string(TARNI_CONFIG_CLI_EXE) + "' --ini '" + in_ini.string() + "' show";
+    std::string output;
+    if (FILE* pipe = ::popen(command.c_str(), "r"))
+    {
+        char buffer[4096];
+        std::size_t read = 0;
+        while ((read = std::fread(buffer, 1, sizeof(buffer), pipe)) > 0)
+        {
+            output.append(buffer, read);
+        }
+        ::pclose(pipe);
+    }
+    return output;
+}
+
+bool Without(const std::string& in_screen, const std::string& in_text)
+{
+    return in_screen.find(in_text) == std::string::npos;
+}
+}  // namespace
+
+TEST_F(DriverConfigTerminalTest, AServerSidePropertyIsAddedAndEditedThreeDialogsDeep)
+{
+    Start("[Driver]\nSparkServerType=3\n");
+    FocusButton("Advanced Options...");
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitForText("Rows fetched per block:")) << m_session->Screen();
+    FocusButton("Server Side Properties");
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitForText("Convert Key Name to Lower Case")) << m_session->Screen();
+    EXPECT_NE(m_session->LineWith("< Edit >", true).find("\x1b[2m"), std::string::npos) << "Edit is dim without a selection";
+
+    FocusButton("Add...");
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitForText("Key:")) << m_session->Screen();
+    m_session->Type("spark.sql.shuffle.partitions");
+    m_session->Key("Tab");
+    m_session->Type("8 = eight é");
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitForText("spark.sql.shuffle.partitions=8 = eight é")) << m_session->Screen();
+
+    // The same key in other case is a duplicate; Cancel gives up the addition.
+    m_session->Key("Enter");  // Add still has the focus
+    ASSERT_TRUE(m_session->WaitForText("Key:"));
+    m_session->Type("SPARK.SQL.SHUFFLE.PARTITIONS");
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitForText("Duplicate key detected")) << m_session->Screen();
+    m_session->Key("Escape");
+    ASSERT_TRUE(m_session->WaitFor([](const std::string& s) { return Without(s, "Duplicate key") && Without(s, "Key:"); }))
+        << m_session->Screen();
+
+    // Down selects the entry, Enter on it edits (the double click).
+    for (int i = 0; i < 10 && LastLine(m_session->Screen()).rfind(" Up/Down: select", 0) != 0; ++i)
+    {
+        m_session->Key("Tab");
+    }
+    m_session->Key("Down");
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitForText("Key:")) << m_session->Screen();
+    EXPECT_NE(m_session->LineWith("Key:").find("[spark.sql.shuffle.partitions"), std::string::npos);
+    m_session->Key("Tab");
+    m_session->Key("C-u");
+    m_session->Type("16");
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitForText("spark.sql.shuffle.partitions=16")) << m_session->Screen();
+
+    FocusButton("OK");
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitFor([](const std::string& s) { return Without(s, "Convert Key Name"); }));
+    FocusButton("OK");
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitFor([](const std::string& s) { return Without(s, "Rows fetched per block"); }));
+    FocusButton("OK");
+    m_session->Key("Enter");
+    EXPECT_EQ(Finish(), 1);
+    EXPECT_NE(Ini().find("\nSSP_spark.sql.shuffle.partitions=16\n"), std::string::npos) << Ini();
+    EXPECT_NE(ShowConfiguration(m_folder / "odbc.ini").find("\nSSP_spark.sql.shuffle.partitions=16\n"),
+              std::string::npos);
+    ExpectTerminalRestored();
+}
+
+TEST_F(DriverConfigTerminalTest, AnHttpHeaderWithAnEmptyValueIsSavedWithThePath)
+{
+    Start("[Driver]\nSparkServerType=3\nThriftTransport=2\n");
+    FocusButton("HTTP Options...");
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitForText("Custom HTTP Headers")) << m_session->Screen();
+    FocusFieldOf("HTTP Path:");
+    m_session->Type("cliservice");
+    FocusButton("Add...");
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitForText("Key:"));
+    m_session->Type("X-Trace");
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitForText("X-Trace=")) << m_session->Screen();
+    FocusButton("OK");
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitFor([](const std::string& s) { return Without(s, "Custom HTTP Headers"); }));
+    FocusButton("OK");
+    m_session->Key("Enter");
+    EXPECT_EQ(Finish(), 1);
+    const std::string ini = Ini();
+    EXPECT_NE(ini.find("\nhttp.header.X-Trace=\n"), std::string::npos) << ini;
+    EXPECT_NE(ini.find("\nHTTPPath=cliservice\n"), std::string::npos) << ini;
     ExpectTerminalRestored();
 }
 }  // namespace Tarni::Testing
