@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cwctype>
 #include <map>
 
 #include "driversupport/DSProductHelper.h"
@@ -137,4 +138,117 @@ TEST_F(DriverConfigGuiTest, AMissingTemplateExitsWithMinusOneAndStillSaves)
     options.templateId = 4242;
     EXPECT_EQ(SparkODBC::SODriverConfigRun::Run(host, options), -1);
     EXPECT_EQ(Stored().at(u"KrbServiceName"), u"spark");
+}
+
+namespace
+{
+/// Presses a button by posting its command: the dialog it opens runs a modal
+/// loop of its own, which a sent click would wait for.
+void PostClick(HWND in_dialog, int in_id)
+{
+    ::PostMessageW(in_dialog, WM_COMMAND, MAKEWPARAM(in_id, BN_CLICKED),
+                   reinterpret_cast<LPARAM>(::GetDlgItem(in_dialog, in_id)));
+}
+
+/// Waits for the list box entry with exactly this text; its index or LB_ERR.
+LRESULT WaitForListEntry(HWND in_dialog, const std::wstring& in_text)
+{
+    HWND list = ::GetDlgItem(in_dialog, IDC_PROP_LIST);
+    for (int i = 0; i < 200; ++i)
+    {
+        const LRESULT index =
+            ::SendMessageW(list, LB_FINDSTRINGEXACT, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(in_text.c_str()));
+        if (index != LB_ERR)
+        {
+            return index;
+        }
+        ::Sleep(50);
+    }
+    return LB_ERR;
+}
+
+/// Opens Edit Property with Add, types the pair and presses OK.
+void AddProperty(HWND in_list, const std::wstring& in_key, const std::wstring& in_value)
+{
+    PostClick(in_list, IDC_PROP_ADD);
+    HWND edit = GuiDriver::WaitForDialog(L"Edit Property");
+    ASSERT_NE(edit, nullptr);
+    EXPECT_FALSE(GuiDriver::Enabled(edit, IDOK)) << "OK waits for a key";
+    GuiDriver::Type(edit, IDC_PROP_KEY, in_key);
+    GuiDriver::Type(edit, IDC_PROP_VALUE, in_value);
+    EXPECT_TRUE(GuiDriver::Enabled(edit, IDOK));
+    GuiDriver::Click(edit, IDOK);
+    EXPECT_TRUE(GuiDriver::WaitForClose(edit));
+}
+}  // namespace
+
+TEST_F(DriverConfigGuiTest, AServerSidePropertyAddedThreeDialogsDeepIsStoredUnderItsPrefix)
+{
+    const std::wstring key = L"gui.ssp." + std::to_wstring(std::chrono::steady_clock::now().time_since_epoch().count());
+    const std::u16string storedName = u"SSP_" + std::u16string(key.begin(), key.end());
+    const DWORD exitCode = RunProgram([&](HWND main) {
+        PostClick(main, IDC_ADVANCED_OPTIONS);
+        HWND advanced = GuiDriver::WaitForDialog(L"Advanced Options");
+        ASSERT_NE(advanced, nullptr);
+        EXPECT_FALSE(GuiDriver::Enabled(advanced, IDC_ADV_MAX_BYTES_PER_FETCH));
+        EXPECT_FALSE(::IsWindowVisible(::GetDlgItem(advanced, IDC_ADV_TEMP_TABLE_CONFIG)));
+        EXPECT_EQ(GuiDriver::Text(advanced, IDC_ADV_ROWS_PER_BLOCK), L"10000");
+        PostClick(advanced, IDC_ADV_SERVER_SIDE_PROPERTIES);
+        HWND ssp = GuiDriver::WaitForDialog(L"Server Side Properties");
+        ASSERT_NE(ssp, nullptr);
+        EXPECT_FALSE(GuiDriver::Enabled(ssp, IDC_PROP_EDIT));
+
+        AddProperty(ssp, key, L"8 = eight");
+        EXPECT_NE(WaitForListEntry(ssp, key + L"=8 = eight"), LB_ERR);
+
+        // The same key in capitals: the real "Duplicate Error" box, cancelled.
+        std::wstring upper = key;
+        for (wchar_t& c : upper)
+        {
+            c = static_cast<wchar_t>(::towupper(c));
+        }
+        AddProperty(ssp, upper, L"9");
+        HWND box = GuiDriver::WaitForDialog(L"Duplicate Error");
+        ASSERT_NE(box, nullptr);
+        ::PostMessageW(box, WM_COMMAND, MAKEWPARAM(IDCANCEL, BN_CLICKED), 0);
+        EXPECT_TRUE(GuiDriver::WaitForClose(box));
+
+        GuiDriver::Click(ssp, IDOK);
+        EXPECT_TRUE(GuiDriver::WaitForClose(ssp));
+        GuiDriver::Click(advanced, IDOK);
+        EXPECT_TRUE(GuiDriver::WaitForClose(advanced));
+        GuiDriver::Click(main, IDOK);
+    });
+    EXPECT_EQ(exitCode, 1u);
+    const Snapshot stored = Stored();
+    ASSERT_EQ(stored.count(storedName), 1u);
+    EXPECT_EQ(stored.at(storedName), u"8 = eight");
+    Platform::SettingsStoreFactory::OpenDriverStore(m_location)->DeleteValue(storedName);
+}
+
+TEST_F(DriverConfigGuiTest, AnHttpHeaderWithAnEmptyValueIsStoredWithThePath)
+{
+    const std::wstring header =
+        L"X-Trace-" + std::to_wstring(std::chrono::steady_clock::now().time_since_epoch().count());
+    const std::u16string storedName = u"http.header." + std::u16string(header.begin(), header.end());
+    const DWORD exitCode = RunProgram([&](HWND main) {
+        GuiDriver::Select(main, IDC_THRIFT_TRANSPORT, L"HTTP");
+        ASSERT_TRUE(GuiDriver::Enabled(main, IDC_HTTP_OPTIONS));
+        PostClick(main, IDC_HTTP_OPTIONS);
+        HWND http = GuiDriver::WaitForDialog(L"HTTP Properties");
+        ASSERT_NE(http, nullptr);
+        EXPECT_TRUE(GuiDriver::Enabled(http, IDC_HTTP_PATH));
+        GuiDriver::Type(http, IDC_HTTP_PATH, L"gui/cliservice");
+        AddProperty(http, header, L"");
+        EXPECT_NE(WaitForListEntry(http, header + L"="), LB_ERR);
+        GuiDriver::Click(http, IDOK);
+        EXPECT_TRUE(GuiDriver::WaitForClose(http));
+        GuiDriver::Click(main, IDOK);
+    });
+    EXPECT_EQ(exitCode, 1u);
+    const Snapshot stored = Stored();
+    ASSERT_EQ(stored.count(storedName), 1u);
+    EXPECT_EQ(stored.at(storedName), u"");
+    EXPECT_EQ(stored.at(u"HTTPPath"), u"gui/cliservice");
+    Platform::SettingsStoreFactory::OpenDriverStore(m_location)->DeleteValue(storedName);
 }
