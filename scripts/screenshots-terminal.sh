@@ -22,7 +22,7 @@ trap cleanup EXIT
 # driver configuration to show.
 cp "$program" "$work/tarni-spark-driver-config"
 printf 'supported-service-discovery-modes=ZooKeeper,AOSS\n' > "$work/SparkODBC.did"
-printf '[Driver]\nSparkServerType=3\nServiceDiscoveryMode=ZooKeeper\nZKNamespace=hiveserver2\nAuthMech=3\nUID=alice\nThriftTransport=1\n' \
+printf '[Driver]\nSparkServerType=3\nServiceDiscoveryMode=ZooKeeper\nZKNamespace=hiveserver2\nAuthMech=3\nUID=alice\nThriftTransport=1\nHTTPPath=cliservice\nSSP_spark.sql.shuffle.partitions=8\nSSP_spark.sql.ansi.enabled=true\nhttp.header.User-Agent=reports/2.1\nhttp.header.X-Trace=\n' \
   > "$work/odbc.ini"
 
 tmux -u -L "$socket" -f /dev/null new-session -d -x 80 -y 24 -e LANG=C.UTF-8 -e TERM=screen \
@@ -60,7 +60,8 @@ mkdir -p "$out"
 wait_for "Tarni Spark ODBC Driver Configuration"
 shot terminal-driver-configuration
 
-key Tab; key Tab
+# The next drop-down after Spark Server Type: Service Discovery Mode.
+key Tab; status_is "Space: open list"
 key Space
 wait_for "No Service Discovery"
 shot terminal-service-discovery-list
@@ -80,5 +81,29 @@ key Enter
 wait_for "All Users of this Machine"
 key Down; key Space
 shot terminal-password-options
+key Escape
+
+status_is "Advanced Options"
+key Enter
+wait_for "Rows fetched per block:"
+shot terminal-advanced-options
+status_is "Server Side Properties"
+key Enter
+wait_for "Convert Key Name to Lower Case"
+key Down
+shot terminal-server-side-properties
+key Enter
+wait_for "Key:"
+shot terminal-edit-property
+key Escape; key Escape; key Escape
+
+# HTTP Properties need the HTTP transport: the drop-down before SSL Options.
+status_is "SSL Options"
+key BTab
+key Space; key H; key Enter
+status_is "HTTP Options"
+key Enter
+wait_for "Custom HTTP Headers"
+shot terminal-http-properties
 key Escape
 key Escape

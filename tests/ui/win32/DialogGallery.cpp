@@ -10,8 +10,13 @@
 
 #include "dialogs/framework/DSBaseDialog.h"
 #include "dialogs/framework/DSDialogModule.h"
+#include "dialogs/driversupport/DSEditPropertyDialog.h"
+#include "dialogs/driversupport/DSHttpPropertiesDialog.h"
 #include "dialogs/driversupport/DSPasswordOptionsDialog.h"
+#include "dialogs/product/QuillAdvancedOptionsDialog.h"
 #include "dialogs/product/QuillConfigurationDialog.h"
+#include "dialogs/product/QuillServerSidePropertiesDialog.h"
+#include "dialogs/product/QuillTempTableDialog.h"
 #include "dialogs/product/QuillZkDialog.h"
 #include "driversupport/ConfigurationKeys.h"
 #include "ui/ResourceScript.h"
@@ -52,6 +57,10 @@ int main(int argc, char** argv)
     SparkODBC::QuillConfiguration configuration(u"", 2, nullptr);
     configuration.LoadDefaults();
     configuration.SetValue(DriverSupport::Keys::ZKNamespace, u"hiveserver2");
+    configuration.SetValue(DriverSupport::Keys::HTTPPath, u"cliservice");
+    configuration.GetServerSidePropertyGroup().GetProperties() = {{u"spark.sql.shuffle.partitions", u"8"},
+                                                                  {u"spark.sql.ansi.enabled", u"true"}};
+    configuration.GetHttpHeaderGroup().GetProperties() = {{u"X-Trace", u""}, {u"User-Agent", u"reports/2.1"}};
 
     for (int i = 1; i < argc; ++i)
     {
@@ -91,6 +100,30 @@ int main(int argc, char** argv)
                 break;
             case IDD_ZOOKEEPER_OPTIONS:
                 SparkODBC::QuillZkDialog::Show(nullptr, &configuration);
+                break;
+            case IDD_ADVANCED_OPTIONS:
+                SparkODBC::QuillAdvancedOptionsDialog(configuration, 3, true).Show(nullptr);
+                break;
+            case IDD_TEMP_TABLE_CONFIG:
+            {
+                SparkODBC::QuillTempTableDialog::Input input{&configuration, true};
+                SparkODBC::QuillTempTableDialog::Show(nullptr, &input);
+                break;
+            }
+            case IDD_SERVER_SIDE_PROPERTIES:
+                SparkODBC::QuillServerSidePropertiesDialog(configuration, configuration.GetServerSidePropertyGroup(),
+                                                           true, true)
+                    .Show(nullptr);
+                break;
+            case IDD_EDIT_PROPERTY:
+            {
+                DriverSupport::DSEditPropertyDialog::Context pair{u"spark.sql.shuffle.partitions", u"8", nullptr};
+                DriverSupport::DSEditPropertyDialog::Show(nullptr, &pair);
+                break;
+            }
+            case IDD_HTTP_PROPERTIES:
+                DriverSupport::DSHttpPropertiesDialog(configuration, configuration.GetHttpHeaderGroup(), true)
+                    .Show(nullptr);
                 break;
             default:
                 host.DialogBoxParam(id, nullptr, &Plain, 0);
