@@ -160,18 +160,4 @@ TEST_F(SODriverConfigRunPropertiesTest, AnHttpHeaderWithAnEmptyValueIsStoredUnde
     ASSERT_EQ(stored.count(u"http.header." + header), 1u);
     EXPECT_EQ(stored.at(u"http.header." + header), u"");
     EXPECT_EQ(stored.at(u"HTTPPath"), u"cliservice");
-
-    // Cancel in the main dialog writes nothing, whatever the sub-dialogs did.
-    m_host.ExpectDialog(IDD_DRIVER_CONFIG, [](Window& w) {
-        w.Click(IDC_HTTP_OPTIONS);
-        w.Click(IDCANCEL);
-    });
-    m_host.ExpectDialog(IDD_HTTP_PROPERTIES, [](Window& w) {
-        w.SelectListItem(IDC_PROP_LIST, 0);
-        w.Click(IDC_PROP_REMOVE);
-        w.Click(IDOK);
-    });
-    m_host.ExpectMessageBox(IDYES);
-    ASSERT_EQ(SODriverConfigRun::Run(m_host, m_options), 0);
-    EXPECT_EQ(Stored(), stored);
 }
