@@ -1,7 +1,8 @@
-// The property list dialogs on the scripted host: Server Side Properties and
-// HTTP Properties over the shared list operations (Add, Edit, Remove, the
-// duplicate search and its Retry, Cancel), their own switches and path, and
-// the Edit Property dialog refusing what no store can hold.
+// The property list dialogs on the scripted host: Server Side Properties
+// (the product's, hence this folder) and HTTP Properties over the shared list
+// operations (Add, Edit, Remove, the duplicate search and its Retry, Cancel),
+// their own switches and path, and the Edit Property dialog refusing what no
+// store can hold.
 #include "dialogs/MainDialogTestSupport.h"
 #include "dialogs/driversupport/DSHttpPropertiesDialog.h"
 #include "dialogs/product/QuillServerSidePropertiesDialog.h"
