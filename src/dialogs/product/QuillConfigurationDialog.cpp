@@ -6,6 +6,7 @@
 #include "dialogs/framework/DSDialogMessageBoxHost.h"
 #include "dialogs/framework/DSMessageCatalogue.h"
 #include "dialogs/driversupport/DSPasswordOptionsDialog.h"
+#include "dialogs/driversupport/DSProxyConfigurationDialog.h"
 #include "dialogs/driversupport/DSTestResultDialog.h"
 #include "dialogs/product/QuillZkDialog.h"
 #include "driversupport/ConfigurationKeys.h"
@@ -247,11 +248,15 @@ std::intptr_t QuillConfigurationDialog::ActionProc(IDialogWindow* in_window, std
             case IDC_SERVICE_DISCOVERY_OPTIONS:
                 dialog.OpenServiceDiscoveryOptions();
                 break;
+            case IDC_PROXY_OPTIONS:
+                DriverSupport::DSProxyConfigurationDialog::Show(in_window,
+                                                                &dialog.m_configuration.GetProxyConfiguration());
+                dialog.CheckEnableButtons();
+                break;
             case IDC_ADVANCED_OPTIONS:
             case IDC_SSL_OPTIONS:
             case IDC_HTTP_OPTIONS:
             case IDC_LOGGING_OPTIONS:
-            case IDC_PROXY_OPTIONS:
             case IDC_DFI_OPTIONS:
                 dialog.ShowOptionsNotAvailable(id);
                 break;

@@ -11,6 +11,7 @@
 #include "dialogs/framework/DSBaseDialog.h"
 #include "dialogs/framework/DSDialogModule.h"
 #include "dialogs/driversupport/DSPasswordOptionsDialog.h"
+#include "dialogs/driversupport/DSProxyConfigurationDialog.h"
 #include "dialogs/product/QuillConfigurationDialog.h"
 #include "dialogs/product/QuillZkDialog.h"
 #include "driversupport/ConfigurationKeys.h"
@@ -89,6 +90,16 @@ int main(int argc, char** argv)
             case IDD_PASSWORD_OPTIONS:
                 DriverSupport::DSPasswordOptionsDialog::Show(nullptr, &configuration.GetCredentials());
                 break;
+            case IDD_PROXY_OPTIONS:
+            {
+                DriverSupport::DSProxyConfiguration& proxy = configuration.GetProxyConfiguration();
+                proxy.SetUseProxy(true);
+                proxy.SetProxyHost(u"proxy.example.com");
+                proxy.SetProxyPort(u"3128");
+                proxy.SetUid(u"alice");
+                DriverSupport::DSProxyConfigurationDialog::Show(nullptr, &proxy);
+                break;
+            }
             case IDD_ZOOKEEPER_OPTIONS:
                 SparkODBC::QuillZkDialog::Show(nullptr, &configuration);
                 break;
