@@ -181,3 +181,4 @@ TEST_F(ProxyOptionsTerminalTest, OkGreysOutWithoutHostAndUncheckingKeepsHostAndP
     EXPECT_NE(ini.find("ProxyHost=old.corp\n"), std::string::npos) << ini;
     EXPECT_NE(ini.find("ProxyPort=3128\n"), std::string::npos) << ini;
 }
+}  // namespace Tarni::Testing
