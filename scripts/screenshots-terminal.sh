@@ -60,7 +60,8 @@ mkdir -p "$out"
 wait_for "Tarni Spark ODBC Driver Configuration"
 shot terminal-driver-configuration
 
-key Tab; key Tab
+# The focus starts on the server type; "DFI Options..." is disabled for it.
+key Tab
 key Space
 wait_for "No Service Discovery"
 shot terminal-service-discovery-list
