@@ -22,52 +22,8 @@ using Tarni::Platform::ProcessEnvironment;
 
 namespace
 {
-const wchar_t* const INTERNET_SETTINGS = L"Software\\Microsoft\\Windows\\CurrentVersion\\Internet Settings";
 const wchar_t* const CONNECTIONS = L"Software\\Microsoft\\Windows\\CurrentVersion\\Internet Settings\\Connections";
-
-/// A registry value saved on construction and put back on destruction.
-class SavedValue
-{
-public:
-    SavedValue(const wchar_t* in_key, const wchar_t* in_name) : m_key(in_key), m_name(in_name)
-    {
-        HKEY key = nullptr;
-        if (::RegOpenKeyExW(HKEY_CURRENT_USER, in_key, 0, KEY_READ, &key) == ERROR_SUCCESS)
-        {
-            DWORD size = 0;
-            if (::RegQueryValueExW(key, in_name, nullptr, &m_type, nullptr, &size) == ERROR_SUCCESS)
-            {
-                m_data.resize(size);
-                m_present = ::RegQueryValueExW(key, in_name, nullptr, &m_type, m_data.data(), &size) == ERROR_SUCCESS;
-            }
-            ::RegCloseKey(key);
-        }
-    }
-    ~SavedValue()
-    {
-        HKEY key = nullptr;
-        if (::RegCreateKeyExW(HKEY_CURRENT_USER, m_key, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr) ==
-            ERROR_SUCCESS)
-        {
-            if (m_present)
-            {
-                ::RegSetValueExW(key, m_name, 0, m_type, m_data.data(), static_cast<DWORD>(m_data.size()));
-            }
-            else
-            {
-                ::RegDeleteValueW(key, m_name);
-            }
-            ::RegCloseKey(key);
-        }
-    }
-
-private:
-    const wchar_t* m_key;
-    const wchar_t* m_name;
-    DWORD m_type = REG_NONE;
-    std::vector<BYTE> m_data;
-    bool m_present = false;
-};
+const wchar_t* const SETTINGS_VALUE = L"DefaultConnectionSettings";
 
 class ProxyWinHttpTest : public ::testing::Test
 {
@@ -77,12 +33,16 @@ protected:
         m_savedProxy = ProcessEnvironment::GetVariable(u"HTTP_PROXY");
         ProcessEnvironment::SetVariable(u"HTTP_PROXY", std::nullopt);
     }
-    void TearDown() override { ProcessEnvironment::SetVariable(u"HTTP_PROXY", m_savedProxy); }
+    void TearDown() override
+    {
+        ProcessEnvironment::SetVariable(u"HTTP_PROXY", m_savedProxy);
+        RemoveManualProxy();
+    }
 
-    /// The manual proxy as the Internet Settings dialog of Windows writes it:
-    /// the connection settings block (version, counter, flags "direct" and
-    /// "proxy", then the proxy list and the bypass list as counted ANSI
-    /// strings) and the two plain values beside it.
+    /// The manual proxy as Windows keeps it for the user: the connection
+    /// settings block (version, counter, flags "direct" and "proxy", then the
+    /// proxy list, the bypass list and the script address as counted ANSI
+    /// strings).
     static void WriteManualProxy(const std::string& in_list)
     {
         std::vector<BYTE> block;
@@ -90,51 +50,33 @@ protected:
             const auto* bytes = reinterpret_cast<const BYTE*>(&in_value);
             block.insert(block.end(), bytes, bytes + sizeof(DWORD));
         };
-        addDword(0x46);
-        addDword(1);
-        addDword(0x1 | 0x2);
-        addDword(static_cast<DWORD>(in_list.size()));
-        block.insert(block.end(), in_list.begin(), in_list.end());
-        addDword(0);  // no bypass list
-        addDword(0);  // no configuration script
-        block.resize(block.size() + 32, 0);
-        SetValue(CONNECTIONS, L"DefaultConnectionSettings", REG_BINARY, block.data(), block.size());
-        const DWORD enable = 1;
-        SetValue(INTERNET_SETTINGS, L"ProxyEnable", REG_DWORD, &enable, sizeof(enable));
-        const std::wstring wide(in_list.begin(), in_list.end());
-        SetValue(INTERNET_SETTINGS, L"ProxyServer", REG_SZ, wide.c_str(), (wide.size() + 1) * sizeof(wchar_t));
-    }
-
-    static void RemoveManualProxy()
-    {
-        for (const auto& [key, name] : {std::pair{CONNECTIONS, L"DefaultConnectionSettings"},
-                                        std::pair{INTERNET_SETTINGS, L"ProxyEnable"},
-                                        std::pair{INTERNET_SETTINGS, L"ProxyServer"}})
+        for (const DWORD value : {DWORD{0x46}, DWORD{1}, DWORD{0x1 | 0x2}, static_cast<DWORD>(in_list.size())})
         {
-            HKEY handle = nullptr;
-            if (::RegOpenKeyExW(HKEY_CURRENT_USER, key, 0, KEY_ALL_ACCESS, &handle) == ERROR_SUCCESS)
-            {
-                ::RegDeleteValueW(handle, name);
-                ::RegCloseKey(handle);
-            }
+            addDword(value);
         }
-    }
-
-    static void SetValue(const wchar_t* in_key, const wchar_t* in_name, DWORD in_type, const void* in_data,
-                         size_t in_size)
-    {
+        block.insert(block.end(), in_list.begin(), in_list.end());
+        addDword(0);
+        addDword(0);
+        block.resize(block.size() + 32, 0);
         HKEY key = nullptr;
-        ASSERT_EQ(::RegCreateKeyExW(HKEY_CURRENT_USER, in_key, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr),
+        ASSERT_EQ(::RegCreateKeyExW(HKEY_CURRENT_USER, CONNECTIONS, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key,
+                                    nullptr),
                   ERROR_SUCCESS);
-        EXPECT_EQ(::RegSetValueExW(key, in_name, 0, in_type, static_cast<const BYTE*>(in_data),
-                                   static_cast<DWORD>(in_size)),
+        EXPECT_EQ(::RegSetValueExW(key, SETTINGS_VALUE, 0, REG_BINARY, block.data(), static_cast<DWORD>(block.size())),
                   ERROR_SUCCESS);
         ::RegCloseKey(key);
     }
 
-    SavedValue m_block{CONNECTIONS, L"DefaultConnectionSettings"};
-    SavedValue m_enable{INTERNET_SETTINGS, L"ProxyEnable"};
-    SavedValue m_server{INTERNET_SETTINGS, L"ProxyServer"};
+    static void RemoveManualProxy()
+    {
+        HKEY key = nullptr;
+        if (::RegOpenKeyExW(HKEY_CURRENT_USER, CONNECTIONS, 0, KEY_ALL_ACCESS, &key) == ERROR_SUCCESS)
+        {
+            ::RegDeleteValueW(key, SETTINGS_VALUE);
+            ::RegCloseKey(key);
+        }
+    }
+
     std::optional<tarni_wstring> m_savedProxy;
     Testing::RecordingLogger m_log;
 };
