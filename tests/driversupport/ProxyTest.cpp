@@ -5,7 +5,9 @@
 #include <gtest/gtest.h>
 
 #include "common/RecordingLogger.h"
+#include "common/SecretKeySources.h"
 #include "core/ErrorException.h"
+#include "driversupport/DSEncryptionUtils.h"
 #include "driversupport/DSProxyUrl.h"
 #include "driversupport/Proxy.h"
 #include "platform/ISettingsStore.h"
@@ -185,8 +187,16 @@ TEST_F(ProxyTest, ExplicitHostAndPortWithTheOlderOrNewerCredentialNames)
     // A password without a user name is not read.
     settings = ConfigurationMap{{u"ProxyHost", u"proxy.corp"}, {u"ProxyPort", u"3128"}, {u"ProxyPwd", u"lonely"}};
     EXPECT_TRUE(Proxy::ReadProxyConnectionSettings(settings, &m_log).password.empty());
-    EXPECT_FALSE(m_log.HasFragment("secret"));
-    EXPECT_FALSE(m_log.HasFragment("lonely"));
+
+    // Only the protected form given: it is recovered.
+    Testing::SecretKeySources keys;
+    settings = ConfigurationMap{{u"ProxyHost", u"proxy.corp"}, {u"ProxyPort", u"3128"}, {u"ProxyUid", u"u"}};
+    settings.SetValue(u"ProxyEncryptedPWD", DSEncryptionUtils::Encrypt(u"kept-pw", false, u"ProxyEncryptedPWD"));
+    EXPECT_EQ(Proxy::ReadProxyConnectionSettings(settings, &m_log).password, u"kept-pw");
+    for (const char* secret : {"secret", "lonely", "kept-pw"})
+    {
+        EXPECT_FALSE(m_log.HasFragment(secret)) << secret;
+    }
 }
 
 TEST_F(ProxyTest, AHostNeedsAPortAndTheSwitchOffKeepsTheProxyUnused)
