@@ -106,4 +106,16 @@ key Enter
 wait_for "Custom HTTP Headers"
 shot terminal-http-properties
 key Escape
+
+status_is "Proxy Options"
+key Enter
+wait_for "HTTP Proxy Options"
+key M-x
+key M-h; tmux -L "$socket" send-keys -l "proxy.example.com"
+key M-o; tmux -L "$socket" send-keys -l "3128"
+key M-n; tmux -L "$socket" send-keys -l "alice"
+key M-w; tmux -L "$socket" send-keys -l "secret"
+sleep 0.3
+shot terminal-proxy-options
+key Escape
 key Escape

@@ -102,6 +102,9 @@ TARNI_KEY(ProxyUID, u"ProxyUID");
 TARNI_KEY(ProxyPWD, u"ProxyPWD");
 TARNI_KEY(ProxyEncryptedPWD, u"ProxyEncryptedPWD");
 TARNI_KEY(UseDefaultSystemProxy, u"UseDefaultSystemProxy");
+// Read at connection time as the newer names of ProxyUID and ProxyPWD.
+TARNI_KEY(ProxyUsername, u"ProxyUsername");
+TARNI_KEY(ProxyPassword, u"ProxyPassword");
 
 // SSL.
 TARNI_KEY(SSL, u"SSL");

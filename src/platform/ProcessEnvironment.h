@@ -13,6 +13,9 @@ class ProcessEnvironment
 public:
     /// The variable's value, or nothing when it is not set.
     static std::optional<tarni_wstring> GetVariable(tarni_wstring_view in_name);
+    /// Sets the variable for this process and the processes it starts;
+    /// no value removes it.
+    static void SetVariable(tarni_wstring_view in_name, const std::optional<tarni_wstring>& in_value);
     /// Folder of the running executable, with a trailing separator.
     static tarni_wstring GetExecutableDirectory();
     /// The user's home folder (HOME, else the password database; USERPROFILE on Windows).

@@ -4,6 +4,7 @@
 
 #include "driversupport/DSConnectionUtils.h"
 #include "driversupport/DSProductHelper.h"
+#include "driversupport/Proxy.h"
 #include "platform/ProcessEnvironment.h"
 #include "support/StringConverter.h"
 #include "driversupport/ConfigurationKeys.h"
@@ -293,6 +294,7 @@ void TEConnectionUtils::ReadConnectionSetting(const ConfigurationMap& in_setting
     ReadSAMLSettings(in_settings, s, in_log, io_warnings);
     ReadSspSettings(in_settings, s, in_log, io_warnings);
     ReadTransportMode(in_settings, s, in_log, io_warnings);
+    ReadProxySettings(in_settings, s, in_log, io_warnings);
     ReadUserAgentSettings(in_settings, s, in_log, io_warnings);
     ReadBinaryAndCharacterDataRetrievalBehaviorSettings(in_settings, s, in_log, io_warnings);
     s.m_isOCIConnection = IsOCIConnection(in_settings);
@@ -634,6 +636,17 @@ void TEConnectionUtils::ReadSspSettings(const ConfigurationMap& in_settings, TES
             addBds(StringConverter::ToUtf8(tarni_wstring_view(key).substr(4)), value);
         }
     }
+}
+
+void TEConnectionUtils::ReadProxySettings(const ConfigurationMap& in_settings, TESettings& io_settings,
+                                          ILogger* in_log, DSWarningList&)
+{
+    TARNI_LOG_ENTRY(in_log, NS, CLS, "ReadProxySettings");
+    // Only the HTTP transport goes through a proxy; the others ignore the
+    // proxy settings, so a broken HTTP_PROXY cannot stop them.
+    io_settings.m_proxy = io_settings.m_transportMode == TETransportMode::HTTP
+                              ? DriverSupport::Proxy::ReadProxyConnectionSettings(in_settings, in_log)
+                              : DriverSupport::DSProxyDescription();
 }
 
 void TEConnectionUtils::ReadTransportMode(const ConfigurationMap& in_settings, TESettings& io_settings,

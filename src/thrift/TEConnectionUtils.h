@@ -60,6 +60,10 @@ public:
                                 Support::ILogger* in_log, DriverSupport::DSWarningList& io_warnings);
     static void ReadTransportMode(const DriverSupport::ConfigurationMap& in_settings, TESettings& io_settings,
                                   Support::ILogger* in_log, DriverSupport::DSWarningList& io_warnings);
+    /// The proxy of an HTTP connection (DriverSupport::Proxy); none for the
+    /// other transports. Throws ErrorException for unusable proxy settings.
+    static void ReadProxySettings(const DriverSupport::ConfigurationMap& in_settings, TESettings& io_settings,
+                                  Support::ILogger* in_log, DriverSupport::DSWarningList& io_warnings);
     static void ReadUserAgentSettings(const DriverSupport::ConfigurationMap& in_settings, TESettings& io_settings,
                                       Support::ILogger* in_log, DriverSupport::DSWarningList& io_warnings);
     static void ReadBinaryAndCharacterDataRetrievalBehaviorSettings(const DriverSupport::ConfigurationMap& in_settings,

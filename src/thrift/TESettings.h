@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "core/ILogger.h"
+#include "driversupport/DSProxyDescription.h"
 #include "thrift/TEHTTPSettings.h"
 #include "thrift/TEHttpApiRetryEmulationTestSettings.h"
 #include "thrift/TEHttpRetryAfterSetting.h"
@@ -140,6 +141,8 @@ public:
     std::map<std::string, std::string> m_bdsServerSideProperties;
 
     TETransportMode m_transportMode = TETransportMode::Binary;
+    /// The proxy of an HTTP connection; empty for none.
+    DriverSupport::DSProxyDescription m_proxy;
 
     // User agent.
     bool m_useLegacyUserAgent = false;

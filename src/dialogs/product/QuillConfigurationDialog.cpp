@@ -7,6 +7,7 @@
 #include "dialogs/framework/DSMessageCatalogue.h"
 #include "dialogs/driversupport/DSHttpPropertiesDialog.h"
 #include "dialogs/driversupport/DSPasswordOptionsDialog.h"
+#include "dialogs/driversupport/DSProxyConfigurationDialog.h"
 #include "dialogs/driversupport/DSTestResultDialog.h"
 #include "dialogs/product/QuillAdvancedOptionsDialog.h"
 #include "dialogs/product/QuillZkDialog.h"
@@ -249,6 +250,11 @@ std::intptr_t QuillConfigurationDialog::ActionProc(IDialogWindow* in_window, std
             case IDC_SERVICE_DISCOVERY_OPTIONS:
                 dialog.OpenServiceDiscoveryOptions();
                 break;
+            case IDC_PROXY_OPTIONS:
+                DriverSupport::DSProxyConfigurationDialog::Show(in_window,
+                                                                &dialog.m_configuration.GetProxyConfiguration());
+                dialog.CheckEnableButtons();
+                break;
             case IDC_ADVANCED_OPTIONS:
                 QuillAdvancedOptionsDialog(dialog.m_configuration, dialog.GetSelectedServerTypeFromDlg(),
                                            dialog.m_allowEditing)
@@ -265,7 +271,6 @@ std::intptr_t QuillConfigurationDialog::ActionProc(IDialogWindow* in_window, std
                 break;
             case IDC_SSL_OPTIONS:
             case IDC_LOGGING_OPTIONS:
-            case IDC_PROXY_OPTIONS:
             case IDC_DFI_OPTIONS:
                 dialog.ShowOptionsNotAvailable(id);
                 break;

@@ -22,6 +22,19 @@ std::optional<tarni_wstring> ProcessEnvironment::GetVariable(tarni_wstring_view 
     return TextConversion::StrictUtf8ToUtf16(value);
 }
 
+void ProcessEnvironment::SetVariable(tarni_wstring_view in_name, const std::optional<tarni_wstring>& in_value)
+{
+    const std::string name = TextConversion::Utf16ToUtf8(in_name);
+    if (in_value)
+    {
+        ::setenv(name.c_str(), TextConversion::Utf16ToUtf8(*in_value).c_str(), 1);
+    }
+    else
+    {
+        ::unsetenv(name.c_str());
+    }
+}
+
 tarni_wstring ProcessEnvironment::GetExecutableDirectory()
 {
     std::string path(4096, '\0');

@@ -20,6 +20,13 @@ std::optional<tarni_wstring> ProcessEnvironment::GetVariable(tarni_wstring_view 
     return value;
 }
 
+void ProcessEnvironment::SetVariable(tarni_wstring_view in_name, const std::optional<tarni_wstring>& in_value)
+{
+    const tarni_wstring name(in_name);
+    SetEnvironmentVariableW(reinterpret_cast<const wchar_t*>(name.c_str()),
+                            in_value ? reinterpret_cast<const wchar_t*>(in_value->c_str()) : nullptr);
+}
+
 tarni_wstring ProcessEnvironment::GetExecutableDirectory()
 {
     tarni_wstring path(32768, u'\0');

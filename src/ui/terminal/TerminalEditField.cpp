@@ -149,7 +149,10 @@ TerminalEditField::Outcome TerminalEditField::HandleKey(const TerminalKey& in_ke
     const auto at = static_cast<std::size_t>(m_caret);
     if (in_key.kind == TerminalKey::Kind::Char && in_key.code >= 32 && in_key.code != DEL)
     {
-        if (m_readOnly || m_form == nullptr ||
+        // The form's field type does not check wide characters: digits-only
+        // is enforced here.
+        const bool refusedDigit = m_digitsOnly && (in_key.code < '0' || in_key.code > '9');
+        if (m_readOnly || m_form == nullptr || refusedDigit ||
             ::form_driver_w(m_form, OK, static_cast<wchar_t>(in_key.code)) != E_OK)
         {
             return Outcome::Refused;

@@ -1,7 +1,8 @@
 // The configuration run on the scripted host over the platform's real store
 // (the INI file on Linux, Wine's registry under the mingw build): OK saves and
 // exits with 1; Cancel, Escape and the close box exit with 0 and leave the
-// store exactly as it was; a missing template exits with -1 and still saves.
+// store exactly as it was; a missing template exits with -1 and still saves;
+// the proxy of Proxy Options is stored with only its protected password.
 #include "programs/driver-config/SODriverConfigRun.h"
 
 #include <gtest/gtest.h>
@@ -10,8 +11,10 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <optional>
 
 #include "driversupport/DSProductHelper.h"
+#include "platform/ProcessEnvironment.h"
 #include "platform/SettingsStoreFactory.h"
 #include "ui/DialogConstants.h"
 #include "ui/scripted/ScriptedDialogHost.h"
@@ -219,4 +222,58 @@ TEST_F(SODriverConfigRunTest, APasswordWithoutAnEncryptionScopeIsDroppedAndTheUs
     const Snapshot stored = Stored();
     EXPECT_EQ(stored.count(u"PWD"), 0u);
     EXPECT_EQ(stored.count(u"EncryptedPWD"), 0u);
+}
+
+TEST_F(SODriverConfigRunTest, TheProxyIsStoredWithOnlyItsProtectedPasswordAndShownAgain)
+{
+    // The current user's key of protected values lives in the test's folder.
+    struct ConfigHome
+    {
+        std::optional<tarni_wstring> saved = ProcessEnvironment::GetVariable(u"XDG_CONFIG_HOME");
+        ~ConfigHome() { ProcessEnvironment::SetVariable(u"XDG_CONFIG_HOME", saved); }
+    } configHome;
+    ProcessEnvironment::SetVariable(u"XDG_CONFIG_HOME", StringConverter::FromUtf8(m_folder.string()));
+    const auto openProxyOptions = [](ScriptedDialogWindow& w) {
+        w.Click(IDC_PROXY_OPTIONS);
+        w.Click(IDOK);
+    };
+    const tarni_wstring proxyHost = m_token + u".proxy.corp";
+    m_host.ExpectDialog(IDD_DRIVER_CONFIG, openProxyOptions);
+    m_host.ExpectDialog(IDD_PROXY_OPTIONS, [&](ScriptedDialogWindow& w) {
+        EXPECT_EQ(w.GetParent()->GetTemplateId(), static_cast<unsigned>(IDD_DRIVER_CONFIG));
+        w.CheckButton(IDC_PROXY_USE, false);  // whatever an earlier run under Wine left
+        w.Click(IDC_PROXY_USE);
+        w.Type(IDC_PROXY_HOST, proxyHost);
+        w.Type(IDC_PROXY_PORT, u"3128");
+        w.Type(IDC_PROXY_USER, u"alice");
+        w.Type(IDC_PROXY_PASSWORD, u"pr0xy-s3cret");
+        w.Click(IDC_PROXY_PASSWORD_OPTIONS);
+        w.Click(IDOK);
+    });
+    m_host.ExpectDialog(IDD_PASSWORD_OPTIONS, [](ScriptedDialogWindow& w) {
+        w.Click(IDC_PWD_CURRENT_USER_ONLY);
+        w.Click(IDOK);
+    });
+    ASSERT_EQ(SODriverConfigRun::Run(m_host, m_options), 1);
+    const Snapshot stored = Stored();
+    EXPECT_EQ(stored.at(u"UseProxy"), u"1");
+    EXPECT_EQ(stored.at(u"ProxyHost"), proxyHost);
+    EXPECT_EQ(stored.at(u"ProxyPort"), u"3128");
+    EXPECT_EQ(stored.at(u"ProxyUID"), u"alice");
+    EXPECT_EQ(stored.count(u"ProxyPWD"), 0u) << "a plain password never reaches the store";
+    EXPECT_EQ(stored.at(u"ProxyEncryptedPWD").find(u"pr0xy-s3cret"), tarni_wstring::npos);
+
+    // The next run shows the recovered password; switched off, the rest stays.
+    m_host.ExpectDialog(IDD_DRIVER_CONFIG, openProxyOptions);
+    m_host.ExpectDialog(IDD_PROXY_OPTIONS, [](ScriptedDialogWindow& w) {
+        EXPECT_EQ(w.Text(IDC_PROXY_PASSWORD), u"pr0xy-s3cret");
+        w.Click(IDC_PROXY_USE);
+        w.Click(IDOK);
+    });
+    ASSERT_EQ(SODriverConfigRun::Run(m_host, m_options), 1);
+    const Snapshot after = Stored();
+    EXPECT_EQ(after.at(u"UseProxy"), u"0");
+    EXPECT_EQ(after.at(u"ProxyHost"), proxyHost);
+    EXPECT_FALSE(after.at(u"ProxyEncryptedPWD").empty());
+    EXPECT_EQ(after.count(u"ProxyPWD"), 0u);
 }

@@ -1,7 +1,7 @@
 // The Linux dialog program on the terminal host, driven through tmux in an
 // 80x24 terminal as a user would drive it: the main dialog, Cancel and OK,
-// Password Options and ZooKeeper Options with the keyboard, and the terminal
-// given back after every way out, signals included.
+// Password Options, ZooKeeper Options and HTTP Proxy Options with the
+// keyboard, and the terminal given back after every way out, signals included.
 #include <gtest/gtest.h>
 #include <signal.h>
 
@@ -406,6 +406,70 @@ TEST_F(DriverConfigTerminalTest, SwitchingToDfiAndBackRestoresMechanismAndTransp
         EXPECT_NE(ini.find(line), std::string::npos) << line << ini;
     }
     ExpectTerminalRestored();
+}
+TEST_F(DriverConfigTerminalTest, TheProxyIsEnteredWithTheKeyboardAndStoredProtected)
+{
+    Start("[Driver]\nSparkServerType=3\nAuthMech=3\nUID=alice\n");
+    const auto proxyGone = [](const std::string& s) { return s.find("HTTP Proxy Options") == std::string::npos; };
+    FocusButton("Proxy Options...");
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitForText("[ ] Use Proxy")) << m_session->Screen();
+    // Alt plus the underlined letter: the switch, then each field by its label.
+    m_session->Key("M-x");
+    ASSERT_TRUE(m_session->WaitForText("[x] Use Proxy")) << m_session->Screen();
+    m_session->Key("M-h");
+    m_session->Type("proxy.corp");
+    m_session->Key("M-o");
+    m_session->Type("80a80");  // digits only: the letter is refused
+    m_session->Key("M-n");
+    m_session->Type("bob");
+    m_session->Key("M-w");
+    m_session->Type("pr0xy-pw");
+    ASSERT_TRUE(m_session->WaitForText("[********")) << m_session->Screen();
+    EXPECT_EQ(m_session->Screen().find("pr0xy-pw"), std::string::npos);
+    EXPECT_NE(m_session->LineWith("[8080 "), "") << m_session->Screen();
+
+    FocusButton("Password Options...");
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitForText("All Users of this Machine")) << m_session->Screen();
+    m_session->Key("Space");  // the focus starts on "Current User Only"
+    ASSERT_TRUE(m_session->WaitForText("(*) Current User Only")) << m_session->Screen();
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitFor([](const std::string& s) { return s.find("All Users of") == std::string::npos; }));
+    FocusButton("OK");
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitFor(proxyGone)) << m_session->Screen();
+    FocusButton("OK");
+    m_session->Key("Enter");
+    EXPECT_EQ(Finish(), 1);
+    std::string ini = Ini();
+    for (const char* line : {"UseProxy=1\n", "ProxyHost=proxy.corp\n", "ProxyPort=8080\n", "ProxyUID=bob\n",
+                             "ProxyEncryptedPWD="})
+    {
+        EXPECT_NE(ini.find(line), std::string::npos) << line << ini;
+    }
+    EXPECT_EQ(ini.find("ProxyPWD="), std::string::npos) << ini;
+    EXPECT_EQ(ini.find("pr0xy-pw"), std::string::npos) << ini;
+
+    // Unchecked, OK writes only the switch and keeps host and port.
+    m_session.reset();
+    Start(ini);
+    FocusButton("Proxy Options...");
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitForText("[x] Use Proxy")) << m_session->Screen();
+    m_session->Key("M-x");
+    ASSERT_TRUE(m_session->WaitForText("[ ] Use Proxy"));
+    FocusButton("OK");
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitFor(proxyGone)) << m_session->Screen();
+    FocusButton("OK");
+    m_session->Key("Enter");
+    EXPECT_EQ(Finish(), 1);
+    ini = Ini();
+    for (const char* line : {"UseProxy=0\n", "ProxyHost=proxy.corp\n", "ProxyPort=8080\n", "ProxyUID=bob\n"})
+    {
+        EXPECT_NE(ini.find(line), std::string::npos) << line << ini;
+    }
 }
 }  // namespace Tarni::Testing
 

@@ -14,6 +14,7 @@
 #include "dialogs/driversupport/DSHttpPropertiesDialog.h"
 #include "dialogs/driversupport/DSPasswordOptionsDialog.h"
 #include "dialogs/product/QuillAdvancedOptionsDialog.h"
+#include "dialogs/driversupport/DSProxyConfigurationDialog.h"
 #include "dialogs/product/QuillConfigurationDialog.h"
 #include "dialogs/product/QuillServerSidePropertiesDialog.h"
 #include "dialogs/product/QuillTempTableDialog.h"
@@ -98,6 +99,16 @@ int main(int argc, char** argv)
             case IDD_PASSWORD_OPTIONS:
                 DriverSupport::DSPasswordOptionsDialog::Show(nullptr, &configuration.GetCredentials());
                 break;
+            case IDD_PROXY_OPTIONS:
+            {
+                DriverSupport::DSProxyConfiguration& proxy = configuration.GetProxyConfiguration();
+                proxy.SetUseProxy(true);
+                proxy.SetProxyHost(u"proxy.example.com");
+                proxy.SetProxyPort(u"3128");
+                proxy.SetUid(u"alice");
+                DriverSupport::DSProxyConfigurationDialog::Show(nullptr, &proxy);
+                break;
+            }
             case IDD_ZOOKEEPER_OPTIONS:
                 SparkODBC::QuillZkDialog::Show(nullptr, &configuration);
                 break;
