@@ -217,12 +217,22 @@ std::optional<std::string> IniFileStore::ReadFileBytes() const
 
 std::vector<StoredValue> IniFileStore::ReadAll()
 {
-    const auto bytes = ReadFileBytes();
+    auto bytes = ReadFileBytes();
     if (!bytes)
     {
+        m_parsed.reset();
         return {};
     }
-    return IniDocument::Parse(*bytes, m_path).ReadSection(m_section);
+    // A run reads the file on load, again before its save and once more
+    // under the lock: the bytes are read each time, but parsed only when
+    // they changed.
+    if (!m_parsed || m_parsed->bytes != *bytes)
+    {
+        IniDocument doc = IniDocument::Parse(*bytes, m_path);
+        std::vector<StoredValue> values = doc.ReadSection(m_section);
+        m_parsed = Parsed{std::move(*bytes), std::move(doc), std::move(values)};
+    }
+    return m_parsed->values;
 }
 
 void IniFileStore::CheckName(tarni_wstring_view in_name) const
@@ -340,7 +350,13 @@ void IniFileStore::Apply(const std::vector<Change>& in_changes)
         {
             CheckWritable();
         }
-        IniDocument doc = IniDocument::Parse(bytes ? *bytes : std::string(), m_path);
+        std::optional<IniDocument> parsed;
+        if (bytes && m_parsed && m_parsed->bytes == *bytes)
+        {
+            parsed = std::move(m_parsed->doc);
+        }
+        m_parsed.reset();  // the document is edited now, and the file replaced
+        IniDocument doc = parsed ? std::move(*parsed) : IniDocument::Parse(bytes ? *bytes : std::string(), m_path);
         for (const Change& change : in_changes)
         {
             if (change.value)
@@ -467,12 +483,10 @@ void IniFileStore::ReplaceFile(const std::string& in_bytes) const
         ThrowFileError(u"DSIniWriteErr", target, errno);
     }
     temp.path.clear();
-    // Make the rename itself durable.
-    const int folderFd = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (folderFd >= 0)
-    {
-        fsync(folderFd);
-        close(folderFd);
-    }
+    // The folder is not flushed after the rename: the new file's contents are
+    // on disk before it gets the name, so after a crash the file is either
+    // the old one or the new one, never a mix; a flush of the folder would
+    // only make the new name survive a power cut, at the cost of a second
+    // disk flush per save.
 }
 }  // namespace Tarni::Platform

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "platform/ISettingsStore.h"
+#include "platform/IniDocument.h"
 
 namespace Tarni::Platform
 {
@@ -53,6 +54,14 @@ private:
     tarni_wstring m_section;
     bool m_inUpdate = false;
     std::vector<Change> m_pending;
+    /// The file as last read and parsed, reused while its bytes stay the same.
+    struct Parsed
+    {
+        std::string bytes;
+        IniDocument doc;
+        std::vector<StoredValue> values;
+    };
+    std::optional<Parsed> m_parsed;
     int m_lockFd = -1;
     int m_lockDepth = 0;
 };
