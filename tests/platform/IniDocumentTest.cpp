@@ -22,7 +22,7 @@ const std::string SAMPLE =
     "Port=1";
 }
 
-TEST(IniDocument, ReadsOnlyTheSectionWithValuesVerbatim)
+TEST(IniDocument, ReadsOnlyTheSectionWithKeysAndValuesTrimmed)
 {
     const auto doc = IniDocument::Parse(SAMPLE, u"x.ini");
     const auto values = doc.ReadSection(u"driver");
