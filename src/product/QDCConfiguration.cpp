@@ -57,6 +57,7 @@ void QDCConfiguration::Load()
         // The defaults already read stored values: the store's errors arise from here on.
         LoadDefaults();
         stored = Support::TarniSettingReader::ReadAll();
+        RefuseEmptyPropertyNames(stored);
     }
     catch (const Support::ErrorException& e)
     {
@@ -127,6 +128,20 @@ void QDCConfiguration::Save()
     {
         m_store.AbortUpdate();
         throw;
+    }
+}
+
+void QDCConfiguration::RefuseEmptyPropertyNames(const std::vector<Platform::StoredValue>& in_stored) const
+{
+    // "SSP_=1" written by hand would become a property without a name.
+    for (const Platform::StoredValue& value : in_stored)
+    {
+        if (StringConverter::EqualsIgnoreCase(value.name, m_serverSideProperties.GetPrefix()) ||
+            StringConverter::EqualsIgnoreCase(value.name, m_httpHeaders.GetPrefix()))
+        {
+            throw Support::ErrorException(Support::DiagState::GeneralError, Support::DS_ERROR,
+                                          u"DSStoreEmptyPropertyNameErr", {value.name, m_store.GetLocation()});
+        }
     }
 }
 

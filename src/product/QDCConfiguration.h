@@ -51,6 +51,7 @@ protected:
 
 private:
     DriverSupport::DSPrefixedPropertyGroup* GroupOf(tarni_wstring_view in_key);
+    void RefuseEmptyPropertyNames(const std::vector<Platform::StoredValue>& in_stored) const;
     void DeleteSecretsNoLongerKept(const std::vector<Platform::StoredValue>& in_present);
 
     DriverSupport::DSServerSidePropertyGroup& m_serverSideProperties;

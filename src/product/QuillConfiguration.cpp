@@ -2,8 +2,7 @@
 
 #include "driversupport/ConfigurationKeys.h"
 #include "driversupport/ProductSettingKeys.h"
-#include "product/SOConfigurationTables.h"
-#include "product/SOProductSettings.h"
+#include "product/SOKeyCatalogue.h"
 #include "support/StringConverter.h"
 
 namespace Tarni::SparkODBC
@@ -56,50 +55,16 @@ DriverSupport::DSUidPwdConfiguration* QuillConfiguration::AddCredential(DriverSu
 
 std::vector<std::pair<tarni_wstring, tarni_wstring>> QuillConfiguration::GetOrderedDriverDefaults()
 {
-    const auto number = [](unsigned long long in_value) { return StringConverter::FromNumber(in_value); };
-    const auto sdNone = SOConfigurationTables::ServiceDiscoveryModeNames()[SOConfigurationTables::SD_NONE];
-    return {
-        {tarni_wstring(Keys::Port), number(SOProductSettings::GetDefaultPort())},
-        {tarni_wstring(Keys::Schema), u"default"},
-        {tarni_wstring(Keys::DefaultStringColumnLength), number(SOProductSettings::GetDefaultStringColumnLength())},
-        {tarni_wstring(Keys::BinaryColumnLength), u"32767"},
-        {tarni_wstring(Keys::DecimalColumnScale), u"10"},
-        {tarni_wstring(Keys::FastSQLPrepare), u"0"},
-        {tarni_wstring(Keys::RowsFetchedPerBlock), u"10000"},
-        {tarni_wstring(Keys::MaxBytesPerFetchRequest), u"300 MB"},
-        {tarni_wstring(Keys::UseNativeQuery), u"0"},
-        {tarni_wstring(Keys::EnableUniqueColumnName), u"1"},
-        {tarni_wstring(Keys::UseOnlySSPI), u"0"},
-        {tarni_wstring(Keys::ShowSystemTable), u"0"},
-        {tarni_wstring(Keys::UseUnicodeSqlCharacterTypes), u"0"},
-        {tarni_wstring(Keys::FixUnquotedDefaultSchemaNameInQuery), u"1"},
-        {tarni_wstring(Keys::ServiceDiscoveryMode), sdNone},
-        {tarni_wstring(Keys::SparkServerType), number(SOProductSettings::GetDefaultServerType())},
-        {tarni_wstring(Keys::AuthMech), number(SOProductSettings::GetDefaultAuthMech())},
-        {tarni_wstring(Keys::KrbHostFQDN), u"_HOST"},
-        {tarni_wstring(Keys::KrbServiceName), u"spark"},
-        {tarni_wstring(Keys::DelegateKrbCreds), u"0"},
-        {tarni_wstring(Keys::ServicePrincipalCanonicalization), u"1"},
-        {tarni_wstring(Keys::SocketTimeout), u"60"},
-        {tarni_wstring(Keys::AsyncExecPollInterval), u"100"},
-        {tarni_wstring(Keys::EnableTempTable), u"0"},
-        {tarni_wstring(Keys::WebHDFSPort), u"50070"},
-        {tarni_wstring(Keys::HDFSUser), u"hdfs"},
-        {tarni_wstring(Keys::HDFSTempTableDir), u"/tmp/tarni"},
-        {tarni_wstring(Keys::TempTableTTL), u"10"},
-        {tarni_wstring(Keys::DriverConfigTakePrecedence), u"0"},
-        {tarni_wstring(Keys::EnableAsyncExec), u"0"},
-        {tarni_wstring(Keys::GetTablesWithQuery),
-         SOProductSettings::GetBoolean(DriverSupport::ProductSettingKeys::GetTblsWithQuery) ? u"1" : u"0"},
-        {tarni_wstring(Keys::InvalidSessionAutoRecover), u"1"},
-        {tarni_wstring(Keys::AutoReconnect), u"1"},
-        {tarni_wstring(Keys::Auth_Flow), u"0"},
-        {tarni_wstring(Keys::UseLegacyUserAgent), u"0"},
-        {tarni_wstring(Keys::ApplySSPWithQueries), u"1"},
-        {tarni_wstring(Keys::EnableTranslationForCTAS), u"1"},
-        {tarni_wstring(Keys::SSOIgnoreDriverNoPrompt), u"1"},
-        {tarni_wstring(Keys::QueryTimeoutOverride), u""},
-    };
+    // The keys with a default of their own, in the catalogue's order.
+    std::vector<std::pair<tarni_wstring, tarni_wstring>> defaults;
+    for (const DriverSupport::DSKeyDescription& description : SOKeyCatalogue::All())
+    {
+        if (description.HasDefault())
+        {
+            defaults.emplace_back(description.GetName(), description.GetDefault());
+        }
+    }
+    return defaults;
 }
 
 ConfigurationMap QuillConfiguration::GetDefaultDriverProperties() const

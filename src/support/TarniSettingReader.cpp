@@ -6,39 +6,49 @@ std::mutex TarniSettingReader::s_lock;
 Platform::ISettingsStore* TarniSettingReader::s_store = nullptr;
 std::optional<std::vector<Platform::StoredValue>> TarniSettingReader::s_cache;
 std::map<tarni_wstring, tarni_wstring, CaseInsensitiveLess> TarniSettingReader::s_overrides;
+std::map<tarni_wstring_view, size_t, CaseInsensitiveLess> TarniSettingReader::s_index;
+
+const std::vector<Platform::StoredValue>& TarniSettingReader::CacheLocked()
+{
+    if (!s_cache)
+    {
+        s_cache = s_store != nullptr ? s_store->ReadAll() : std::vector<Platform::StoredValue>();
+        // One lookup per key instead of a scan of every stored value: a load
+        // reads each default key, so a scan would cost keys x values.
+        s_index.clear();
+        for (size_t i = 0; i < s_cache->size(); ++i)
+        {
+            s_index.emplace((*s_cache)[i].name, i);
+        }
+    }
+    return *s_cache;
+}
 
 void TarniSettingReader::SetStore(Platform::ISettingsStore* in_store)
 {
     std::lock_guard<std::mutex> guard(s_lock);
     s_store = in_store;
+    s_index.clear();
     s_cache.reset();
 }
 
 std::vector<Platform::StoredValue> TarniSettingReader::ReadAll()
 {
     std::lock_guard<std::mutex> guard(s_lock);
-    if (!s_cache)
-    {
-        s_cache = s_store != nullptr ? s_store->ReadAll() : std::vector<Platform::StoredValue>();
-    }
-    return *s_cache;
+    return CacheLocked();
 }
 
 std::optional<tarni_wstring> TarniSettingReader::Read(tarni_wstring_view in_name)
 {
+    std::lock_guard<std::mutex> guard(s_lock);
+    if (const auto it = s_overrides.find(in_name); it != s_overrides.end())
     {
-        std::lock_guard<std::mutex> guard(s_lock);
-        if (const auto it = s_overrides.find(in_name); it != s_overrides.end())
-        {
-            return it->second;
-        }
+        return it->second;
     }
-    for (const auto& value : ReadAll())
+    const std::vector<Platform::StoredValue>& cache = CacheLocked();
+    if (const auto it = s_index.find(in_name); it != s_index.end())
     {
-        if (StringConverter::EqualsIgnoreCase(value.name, in_name))
-        {
-            return value.value;
-        }
+        return cache[it->second].value;
     }
     return std::nullopt;
 }
@@ -52,6 +62,7 @@ void TarniSettingReader::SetOverride(tarni_wstring_view in_name, tarni_wstring_v
 void TarniSettingReader::Reset()
 {
     std::lock_guard<std::mutex> guard(s_lock);
+    s_index.clear();
     s_cache.reset();
     s_overrides.clear();
 }

@@ -34,5 +34,10 @@ private:
     static Platform::ISettingsStore* s_store;
     static std::optional<std::vector<Platform::StoredValue>> s_cache;
     static std::map<tarni_wstring, tarni_wstring, CaseInsensitiveLess> s_overrides;
+    /// Name -> position in s_cache (the first value of a name), rebuilt with the cache.
+    static std::map<tarni_wstring_view, size_t, CaseInsensitiveLess> s_index;
+
+    /// The cached values, read from the store first when needed; call under s_lock.
+    static const std::vector<Platform::StoredValue>& CacheLocked();
 };
 }  // namespace Tarni::Support

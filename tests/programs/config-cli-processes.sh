@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # Whole-process checks of tarni-spark-config: twenty writers at once on one
 # file each keep their key; the file's other sections and comments survive;
-# unreadable and unwritable files give an error naming the file and leave it
-# as it was. Permission checks run as an unprivileged user when we are root.
+# unreadable, unwritable and read-only files give an error naming the file and
+# leave it as it was; a FIFO is refused without waiting; show and get fail
+# when standard output cannot be written. Permission checks run as an unprivileged user when we are root.
 set -u
 cli=$1
 dir=$(mktemp -d)
@@ -51,5 +52,32 @@ out=$(run_as_user "$cli" --ini "$locked/odbc.ini" show 2>&1); rc=$?
 echo "$out" | grep -q "odbc.ini" || fail "unreadable file: message does not name it: $out"
 chmod 644 "$locked/odbc.ini"
 
-echo "$((40 - failures)) passed, $failures failed"
+# A file the user may not write, in a folder the user may write: refused.
+readonly_dir=$dir/readonly
+mkdir "$readonly_dir"
+chmod 777 "$readonly_dir"
+printf '[Driver]\nA = 1\n' >"$readonly_dir/odbc.ini"
+chmod 444 "$readonly_dir/odbc.ini"
+[ "$(id -u)" -eq 0 ] && chown nobody:nogroup "$readonly_dir/odbc.ini"
+out=$(run_as_user "$cli" --ini "$readonly_dir/odbc.ini" set A=2 2>&1); rc=$?
+[ $rc -eq 1 ] || fail "read-only file: exit $rc"
+echo "$out" | grep -q "read-only" || fail "read-only file: message does not say so: $out"
+printf '[Driver]\nA = 1\n' | cmp -s - "$readonly_dir/odbc.ini" || fail "read-only file: file changed"
+
+# A FIFO in place of the file: refused at once, nothing waits for a writer.
+mkfifo "$dir/fifo.ini"
+out=$(timeout 10 "$cli" --ini "$dir/fifo.ini" show 2>&1); rc=$?
+[ $rc -eq 1 ] || fail "FIFO: exit $rc"
+echo "$out" | grep -q "named pipe" || fail "FIFO: message does not say what it is: $out"
+
+# Standard output on a full disk: show and get fail.
+if [ -w /dev/full ]; then
+  out=$("$cli" --ini "$ini" show 2>&1 >/dev/full); rc=$?
+  [ $rc -eq 1 ] || fail "show to a full disk: exit $rc"
+  echo "$out" | grep -q "cannot write to standard output" || fail "show to a full disk: $out"
+  "$cli" --ini "$ini" get Concurrent1 >/dev/full 2>/dev/null; rc=$?
+  [ $rc -eq 1 ] || fail "get to a full disk: exit $rc"
+fi
+
+echo "$((48 - failures)) passed, $failures failed"
 [ $failures -eq 0 ]

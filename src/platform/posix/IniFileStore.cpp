@@ -1,5 +1,6 @@
 #include "platform/posix/IniFileStore.h"
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -20,11 +21,12 @@ namespace Tarni::Platform
 using Support::DiagState;
 using Support::ErrorException;
 
-
 namespace
 {
 // A settings file larger than this is not a settings file.
 constexpr off_t MAX_FILE_SIZE = 16 * 1024 * 1024;
+// As the kernel's own limit on links followed in one path.
+constexpr int MAX_LINK_HOPS = 40;
 
 [[noreturn]] void ThrowFileError(const char16_t* in_key, const std::string& in_path, int in_errno)
 {
@@ -49,6 +51,52 @@ struct TempFile
         }
     }
 };
+// Refuses anything but a regular file, naming what it is.
+void CheckRegular(const std::string& in_path, const struct stat& in_info)
+{
+    const char16_t* key = nullptr;
+    if (S_ISDIR(in_info.st_mode))
+    {
+        key = u"DSIniIsDirectoryErr";
+    }
+    else if (S_ISFIFO(in_info.st_mode))
+    {
+        key = u"DSIniIsFifoErr";
+    }
+    else if (S_ISSOCK(in_info.st_mode))
+    {
+        key = u"DSIniIsSocketErr";
+    }
+    else if (S_ISCHR(in_info.st_mode) || S_ISBLK(in_info.st_mode))
+    {
+        key = u"DSIniIsDeviceErr";
+    }
+    else if (!S_ISREG(in_info.st_mode))
+    {
+        key = u"DSIniNotRegularErr";
+    }
+    if (key != nullptr)
+    {
+        throw ErrorException(DiagState::GeneralError, Support::DS_ERROR, key, {TextConversion::StrictUtf8ToUtf16(in_path)});
+    }
+}
+
+// True for the name of a temporary file of ours for in_base: "." + base +
+// ".tmp" + digits + "." + digits.
+bool IsTemporaryName(const std::string& in_name, const std::string& in_base)
+{
+    const std::string prefix = "." + in_base + ".tmp";
+    if (in_name.compare(0, prefix.size(), prefix) != 0)
+    {
+        return false;
+    }
+    const std::string rest = in_name.substr(prefix.size());
+    const size_t dot = rest.find('.');
+    const auto digits = [](const std::string& in_text) {
+        return !in_text.empty() && in_text.find_first_not_of("0123456789") == std::string::npos;
+    };
+    return dot != std::string::npos && digits(rest.substr(0, dot)) && digits(rest.substr(dot + 1));
+}
 }  // namespace
 
 IniFileStore::IniFileStore(tarni_wstring in_path, tarni_wstring in_section)
@@ -66,14 +114,32 @@ IniFileStore::~IniFileStore()
 
 std::string IniFileStore::TargetPath() const
 {
-    // Write through a symbolic link to the file it names, so the link stays.
-    const std::string path = TextConversion::Utf16ToUtf8(m_path);
-    char resolved[PATH_MAX];
-    if (realpath(path.c_str(), resolved) != nullptr)
+    // Follow symbolic links to the file they name, so the link stays a link and
+    // writers through the link and through the file edit the same file. The
+    // last name may be missing (a dangling link): it is created on save.
+    std::string path = TextConversion::Utf16ToUtf8(m_path);
+    for (int hop = 0; hop < MAX_LINK_HOPS; ++hop)
     {
-        return resolved;
+        struct stat info {};
+        if (lstat(path.c_str(), &info) != 0 || !S_ISLNK(info.st_mode))
+        {
+            return path;
+        }
+        std::string target(static_cast<size_t>(info.st_size > 0 ? info.st_size : PATH_MAX), '\0');
+        const ssize_t length = readlink(path.c_str(), target.data(), target.size());
+        if (length < 0)
+        {
+            ThrowFileError(u"DSIniReadErr", path, errno);
+        }
+        target.resize(static_cast<size_t>(length));
+        if (!target.empty() && target[0] != '/')
+        {
+            const size_t slash = path.rfind('/');
+            target = (slash == std::string::npos ? std::string() : path.substr(0, slash + 1)) + target;
+        }
+        path = std::move(target);
     }
-    return path;
+    ThrowFileError(u"DSIniReadErr", TextConversion::Utf16ToUtf8(m_path), ELOOP);
 }
 
 std::string IniFileStore::FolderPath() const
@@ -90,8 +156,8 @@ std::string IniFileStore::FolderPath() const
 std::optional<std::string> IniFileStore::ReadFileBytes() const
 {
     const std::string path = TargetPath();
-    const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (fd < 0)
+    struct stat info {};
+    if (stat(path.c_str(), &info) != 0)
     {
         if (errno == ENOENT)
         {
@@ -99,12 +165,25 @@ std::optional<std::string> IniFileStore::ReadFileBytes() const
         }
         ThrowFileError(u"DSIniReadErr", path, errno);
     }
-    struct stat info {};
-    if (fstat(fd, &info) != 0 || !S_ISREG(info.st_mode) || info.st_size > MAX_FILE_SIZE)
+    // A FIFO, socket or device is refused before it is opened: opening a FIFO
+    // blocks until a writer comes, and reading a device never ends.
+    CheckRegular(path, info);
+    const int fd = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    if (fd < 0)
     {
-        const int error = S_ISDIR(info.st_mode) ? EISDIR : (info.st_size > MAX_FILE_SIZE ? EFBIG : errno);
+        ThrowFileError(u"DSIniReadErr", path, errno);
+    }
+    if (fstat(fd, &info) != 0)
+    {
+        const int error = errno;
         close(fd);
         ThrowFileError(u"DSIniReadErr", path, error);
+    }
+    if (!S_ISREG(info.st_mode) || info.st_size > MAX_FILE_SIZE)
+    {
+        close(fd);
+        CheckRegular(path, info);
+        ThrowFileError(u"DSIniReadErr", path, EFBIG);
     }
     std::string bytes;
     char buffer[65536];
@@ -138,12 +217,22 @@ std::optional<std::string> IniFileStore::ReadFileBytes() const
 
 std::vector<StoredValue> IniFileStore::ReadAll()
 {
-    const auto bytes = ReadFileBytes();
+    auto bytes = ReadFileBytes();
     if (!bytes)
     {
+        m_parsed.reset();
         return {};
     }
-    return IniDocument::Parse(*bytes, m_path).ReadSection(m_section);
+    // A run reads the file on load, again before its save and once more
+    // under the lock: the bytes are read each time, but parsed only when
+    // they changed.
+    if (!m_parsed || m_parsed->bytes != *bytes)
+    {
+        IniDocument doc = IniDocument::Parse(*bytes, m_path);
+        std::vector<StoredValue> values = doc.ReadSection(m_section);
+        m_parsed = Parsed{std::move(*bytes), std::move(doc), std::move(values)};
+    }
+    return m_parsed->values;
 }
 
 void IniFileStore::CheckName(tarni_wstring_view in_name) const
@@ -257,7 +346,17 @@ void IniFileStore::Apply(const std::vector<Change>& in_changes)
     try
     {
         const auto bytes = ReadFileBytes();
-        IniDocument doc = bytes ? IniDocument::Parse(*bytes, m_path) : IniDocument::Parse("", m_path);
+        if (bytes)
+        {
+            CheckWritable();
+        }
+        std::optional<IniDocument> parsed;
+        if (bytes && m_parsed && m_parsed->bytes == *bytes)
+        {
+            parsed = std::move(m_parsed->doc);
+        }
+        m_parsed.reset();  // the document is edited now, and the file replaced
+        IniDocument doc = parsed ? std::move(*parsed) : IniDocument::Parse(bytes ? *bytes : std::string(), m_path);
         for (const Change& change : in_changes)
         {
             if (change.value)
@@ -283,6 +382,38 @@ void IniFileStore::Apply(const std::vector<Change>& in_changes)
     UnlockAfterUpdate();
 }
 
+void IniFileStore::CheckWritable() const
+{
+    // Replacing the file needs only the folder's permission; a file its owner
+    // made read-only is refused, as editors do.
+    const std::string target = TargetPath();
+    if (faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0 && (errno == EACCES || errno == EROFS))
+    {
+        ThrowFileError(u"DSIniReadOnlyErr", target, errno);
+    }
+}
+
+void IniFileStore::RemoveStaleTemporaryFiles(const std::string& in_folder, const std::string& in_base) const
+{
+    // Every writer holds the folder's lock while its temporary file exists,
+    // so under the lock any temporary file of ours is left over from a save
+    // that was killed.
+    DIR* folder = opendir(in_folder.c_str());
+    if (folder == nullptr)
+    {
+        return;
+    }
+    const int folderFd = dirfd(folder);
+    while (const dirent* entry = readdir(folder))
+    {
+        if (IsTemporaryName(entry->d_name, in_base))
+        {
+            unlinkat(folderFd, entry->d_name, 0);
+        }
+    }
+    closedir(folder);
+}
+
 void IniFileStore::ReplaceFile(const std::string& in_bytes) const
 {
     const std::string target = TargetPath();
@@ -295,6 +426,7 @@ void IniFileStore::ReplaceFile(const std::string& in_bytes) const
     TempFile temp;
     std::random_device random;
     const std::string base = target.substr(target.rfind('/') + 1);
+    RemoveStaleTemporaryFiles(folder, base);
     for (int attempt = 0; attempt < 16 && temp.fd < 0; ++attempt)
     {
         temp.path = folder + "/." + base + ".tmp" + std::to_string(getpid()) + "." + std::to_string(random());
@@ -351,12 +483,10 @@ void IniFileStore::ReplaceFile(const std::string& in_bytes) const
         ThrowFileError(u"DSIniWriteErr", target, errno);
     }
     temp.path.clear();
-    // Make the rename itself durable.
-    const int folderFd = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (folderFd >= 0)
-    {
-        fsync(folderFd);
-        close(folderFd);
-    }
+    // The folder is not flushed after the rename: the new file's contents are
+    // on disk before it gets the name, so after a crash the file is either
+    // the old one or the new one, never a mix; a flush of the folder would
+    // only make the new name survive a power cut, at the cost of a second
+    // disk flush per save.
 }
 }  // namespace Tarni::Platform

@@ -11,6 +11,7 @@
 #include "platform/ConsoleEcho.h"
 #include "platform/ProcessEnvironment.h"
 #include "platform/SettingsStoreFactory.h"
+#include "programs/config-cli/ConfigSettingChecks.h"
 #include "product/QDCConfiguration.h"
 #include "product/SOProductIdentity.h"
 #include "core/ErrorException.h"
@@ -188,7 +189,7 @@ int ConfigCommandLine::Show(QDCConfiguration& io_config)
     {
         m_out << U8(key) << "=" << Shown(io_config, key, value) << "\n";
     }
-    return RESULT_OK;
+    return ConfigSettingChecks::OutputWritten(m_out, m_err) ? RESULT_OK : RESULT_FAILURE;
 }
 
 int ConfigCommandLine::Get(QDCConfiguration& io_config, const std::vector<tarni_wstring>& in_operands)
@@ -203,7 +204,7 @@ int ConfigCommandLine::Get(QDCConfiguration& io_config, const std::vector<tarni_
         return RESULT_FAILURE;
     }
     m_out << Shown(io_config, in_operands[0], io_config.GetMap().GetValue(in_operands[0])) << "\n";
-    return RESULT_OK;
+    return ConfigSettingChecks::OutputWritten(m_out, m_err) ? RESULT_OK : RESULT_FAILURE;
 }
 
 int ConfigCommandLine::Set(QDCConfiguration& io_config, const std::vector<tarni_wstring>& in_operands)
@@ -229,10 +230,19 @@ int ConfigCommandLine::Set(QDCConfiguration& io_config, const std::vector<tarni_
                          "', which reads it from standard input");
         }
     }
+    std::vector<ConfigSettingChecks::Setting> settings;
     for (const tarni_wstring& pair : in_operands)
     {
         const size_t equals = pair.find(u'=');
-        io_config.SetSetting(tarni_wstring_view(pair).substr(0, equals), tarni_wstring_view(pair).substr(equals + 1));
+        settings.emplace_back(pair.substr(0, equals), pair.substr(equals + 1));
+    }
+    if (!ConfigSettingChecks::CheckSettings(settings, m_err))
+    {
+        return RESULT_FAILURE;
+    }
+    for (const auto& [key, value] : settings)
+    {
+        io_config.SetSetting(key, value);
     }
     io_config.Save();
     return RESULT_OK;
@@ -243,6 +253,13 @@ int ConfigCommandLine::Unset(QDCConfiguration& io_config, const std::vector<tarn
     if (in_operands.empty())
     {
         return Usage("unset needs at least one key");
+    }
+    for (const tarni_wstring& key : in_operands)
+    {
+        if (const auto problem = ConfigSettingChecks::ProblemWithUnsetName(key))
+        {
+            return Usage(*problem);
+        }
     }
     for (const tarni_wstring& key : in_operands)
     {
