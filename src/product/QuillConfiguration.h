@@ -1,5 +1,7 @@
 #pragma once
 #include "driversupport/DSDSNConfiguration.h"
+#include "driversupport/DSOAuthConfiguration.h"
+#include "thrift/TEDFIConfiguration.h"
 
 namespace Tarni::SparkODBC
 {
@@ -23,11 +25,17 @@ public:
     /// "AOSS_EncryptedPWD"), the OAuth client secret ("Auth_Client_Secret" /
     /// "Auth_Encrypted_Client_Secret") and access token ("Auth_AccessToken" /
     /// "Auth_Encrypted_Access_Token"), and the DFI key file password
-    /// ("keyFilePassword" / "EncryptedKeyFilePassword").
+    /// ("keyFilePassword" / "EncryptedKeyFilePassword", held by the DFI
+    /// configuration).
     DriverSupport::DSUidPwdConfiguration& GetAOSSCredentials() { return *m_aossCredentials; }
     DriverSupport::DSUidPwdConfiguration& GetOAuthClientSecret() { return *m_oauthClientSecret; }
     DriverSupport::DSUidPwdConfiguration& GetOAuthAccessToken() { return *m_oauthAccessToken; }
-    DriverSupport::DSUidPwdConfiguration& GetDFIKeyFilePassword() { return *m_dfiKeyFilePassword; }
+    DriverSupport::DSUidPwdConfiguration& GetDFIKeyFilePassword() { return *m_dfi; }
+
+    /// The OAuth 2.0 settings of the OAuth Options dialog (over the two OAuth credentials above).
+    DriverSupport::DSOAuthConfiguration& GetOAuthConfiguration() { return *m_oauth; }
+    /// The DFI settings of the DFI Options dialog.
+    ThriftExtension::TEDFIConfiguration& GetDFIConfiguration() { return *m_dfi; }
 
 private:
     DriverSupport::DSUidPwdConfiguration* AddCredential(DriverSupport::DSUidPwdKeySet in_keys,
@@ -36,6 +44,7 @@ private:
     DriverSupport::DSUidPwdConfiguration* m_aossCredentials = nullptr;
     DriverSupport::DSUidPwdConfiguration* m_oauthClientSecret = nullptr;
     DriverSupport::DSUidPwdConfiguration* m_oauthAccessToken = nullptr;
-    DriverSupport::DSUidPwdConfiguration* m_dfiKeyFilePassword = nullptr;
+    DriverSupport::DSOAuthConfiguration* m_oauth = nullptr;
+    ThriftExtension::TEDFIConfiguration* m_dfi = nullptr;
 };
 }  // namespace Tarni::SparkODBC
