@@ -10,9 +10,12 @@
 
 #include "dialogs/framework/DSBaseDialog.h"
 #include "dialogs/framework/DSDialogModule.h"
+#include "dialogs/driversupport/DSOAuthOptionsDialog.h"
 #include "dialogs/driversupport/DSPasswordOptionsDialog.h"
 #include "dialogs/product/QuillConfigurationDialog.h"
 #include "dialogs/product/QuillZkDialog.h"
+#include "dialogs/thrift/TEDFIDialog.h"
+#include "dialogs/thrift/TESAMLDialog.h"
 #include "driversupport/ConfigurationKeys.h"
 #include "ui/ResourceScript.h"
 #include "ui/win32/GuiDriver.h"
@@ -52,6 +55,11 @@ int main(int argc, char** argv)
     SparkODBC::QuillConfiguration configuration(u"", 2, nullptr);
     configuration.LoadDefaults();
     configuration.SetValue(DriverSupport::Keys::ZKNamespace, u"hiveserver2");
+    configuration.SetValue(DriverSupport::Keys::OCIProfile, u"DEFAULT");
+    configuration.SetValue(DriverSupport::Keys::Auth_Flow, u"1");
+    configuration.SetValue(DriverSupport::Keys::Auth_Client_ID, u"spark-odbc");
+    configuration.SetValue(DriverSupport::Keys::OAuth2TokenEndPoint, u"https://login.example.com/oauth2/token");
+    configuration.SetValue(DriverSupport::Keys::Auth_Scope, u"sql");
 
     for (int i = 1; i < argc; ++i)
     {
@@ -91,6 +99,15 @@ int main(int argc, char** argv)
                 break;
             case IDD_ZOOKEEPER_OPTIONS:
                 SparkODBC::QuillZkDialog::Show(nullptr, &configuration);
+                break;
+            case IDD_DFI_OPTIONS:
+                ThriftExtension::TEDFIDialog().Show(nullptr, &configuration.GetDFIConfiguration());
+                break;
+            case IDD_SAML_OPTIONS:
+                ThriftExtension::TESAMLDialog().Show(nullptr, &configuration);
+                break;
+            case IDD_OAUTH_OPTIONS:
+                DriverSupport::DSOAuthOptionsDialog::Show(nullptr, &configuration.GetOAuthConfiguration());
                 break;
             default:
                 host.DialogBoxParam(id, nullptr, &Plain, 0);
