@@ -39,10 +39,16 @@ protected:
         std::ofstream(m_folder / "oci-config") << "[DEFAULT]\nregion=eu-frankfurt-1\n";
         // The registry outlives a test run: start without the keys checked here.
         auto store = Store();
-        for (const tarni_wstring_view key : {u"OCIConfigFile", u"OCIProfile", u"keyFilePassword",
-                                             u"EncryptedKeyFilePassword", u"EnableSamlCookieCaching"})
+        for (const auto& value : store->ReadAll())
         {
-            store->DeleteValue(key);
+            for (const tarni_wstring_view key : {u"OCIConfigFile", u"OCIProfile", u"keyFilePassword",
+                                                 u"EncryptedKeyFilePassword", u"EnableSamlCookieCaching"})
+            {
+                if (StringConverter::EqualsIgnoreCase(value.name, key))
+                {
+                    store->DeleteValue(value.name);
+                }
+            }
         }
     }
     void TearDown() override
