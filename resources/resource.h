@@ -18,6 +18,7 @@
 #define IDD_SERVER_SIDE_PROPERTIES      132
 #define IDD_TEST_RESULTS                133
 #define IDD_TEMP_TABLE_CONFIG           142
+#define IDD_OAUTH_OPTIONS               146
 #define IDD_ZOOKEEPER_OPTIONS           1051
 #define IDD_SSL_OPTIONS_TWO_WAY         1091
 #define IDD_DRIVER_CONFIG               1092
@@ -134,6 +135,24 @@
 #define IDC_DFI_KEY_FILE_PASSWORD       1006
 #define IDC_DFI_PASSWORD_OPTIONS        1007
 #define IDC_DFI_IGNORE_NOPROMPT         1008
+
+// ---------------------------------------------------------------- OAuth Options (146)
+#define IDC_OAUTH_FLOW                  1401
+#define IDC_OAUTH_ACCESS_TOKEN          1402
+#define IDC_OAUTH_CLIENT_ID             1403
+#define IDC_OAUTH_CLIENT_SECRET         1404
+#define IDC_OAUTH_AUTH_END_POINT        1405
+#define IDC_OAUTH_TOKEN_END_POINT       1406
+#define IDC_OAUTH_SCOPE                 1407
+#define IDC_OAUTH_CODE_CHALLENGE        1408
+#define IDC_OAUTH_REDIRECT              1409
+#define IDC_OAUTH_WEB_SERVER_TIMEOUT    1410
+#define IDC_OAUTH_WINDOW_WIDTH          1411
+#define IDC_OAUTH_WINDOW_HEIGHT         1412
+#define IDC_OAUTH_TOKEN_CACHE           1413
+#define IDC_OAUTH_IGNORE_NOPROMPT       1414
+#define IDC_OAUTH_ENCRYPTION_OPTIONS    1415
+#define IDC_OAUTH_SSL_OPTIONS           1416
 
 // ---------------------------------------------------------------- Logging Configuration (9109)
 #define IDC_LOG_IMPORT                  1003

@@ -119,3 +119,36 @@ sleep 0.3
 shot terminal-proxy-options
 key Escape
 key Escape
+
+# DFI and SAML Options: the program again, over a DFI configuration.
+tmux -L "$socket" kill-server 2>/dev/null || true
+printf '[Driver]\nSparkServerType=4\nAuthMech=3\nThriftTransport=2\nOCIProfile=DEFAULT\nOCIConfigFile=%s/oci-config\n' "$work" \
+  > "$work/odbc.ini"
+printf '[DEFAULT]\n' > "$work/oci-config"
+tmux -u -L "$socket" -f /dev/null new-session -d -x 80 -y 24 -e LANG=C.UTF-8 -e TERM=screen \
+  "cd '$work' && SPARKINI='$work/odbc.ini' XDG_CONFIG_HOME='$work' ./tarni-spark-driver-config; sleep 5"
+wait_for "Tarni Spark ODBC Driver Configuration"
+status_is "DFI Options"
+key Enter
+wait_for "OCI Config File:"
+shot terminal-dfi-options
+key Escape
+status_is "SAML Options"
+key Enter
+wait_for "Enable Auth Cookie Caching"
+shot terminal-saml-options
+key Escape
+key Escape
+
+# OAuth Options (146), which only the DSN setup opens: the terminal gallery.
+gallery="$(dirname "$program")/TerminalDialogGallery"
+if [ -x "$gallery" ]; then
+  tmux -L "$socket" kill-server 2>/dev/null || true
+  tmux -u -L "$socket" -f /dev/null new-session -d -x 80 -y 24 -e LANG=C.UTF-8 -e TERM=screen \
+    "cd '$work' && XDG_CONFIG_HOME='$work' '$gallery' 146; sleep 5"
+  wait_for "Authentication Flow:"
+  shot terminal-oauth-options
+  key Escape
+else
+  echo "screenshots-terminal: build TerminalDialogGallery for the OAuth Options picture" >&2
+fi

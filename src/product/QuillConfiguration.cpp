@@ -33,10 +33,15 @@ QuillConfiguration::QuillConfiguration(tarni_wstring in_dsnName, unsigned in_con
     m_oauthAccessToken = AddCredential(
         DSUidPwdKeySet{u"", key(Keys::Auth_AccessToken), key(Keys::Auth_Encrypted_Access_Token), u""},
         u"OAuth Options dialog");
-    m_oauthClientSecret->SetPasswordOptionsButtonName(u"Encryption Options button");
-    m_oauthAccessToken->SetPasswordOptionsButtonName(u"Encryption Options button");
-    m_dfiKeyFilePassword = AddCredential(
-        DSUidPwdKeySet{u"", key(Keys::keyFilePassword), key(Keys::EncryptedKeyFilePassword), u""}, u"DFI Options");
+    // The OAuth settings edit the two credentials above and add the SSL
+    // settings of the identity provider's end points.
+    auto oauth = std::make_unique<DriverSupport::DSOAuthConfiguration>(m_map, m_logger, m_configType,
+                                                                       *m_oauthClientSecret, *m_oauthAccessToken);
+    m_oauth = oauth.get();
+    AddComponent(std::move(oauth));
+    auto dfi = std::make_unique<ThriftExtension::TEDFIConfiguration>(m_map, m_logger, m_configType);
+    m_dfi = dfi.get();
+    AddComponent(std::move(dfi));
 }
 
 DriverSupport::DSUidPwdConfiguration* QuillConfiguration::AddCredential(DriverSupport::DSUidPwdKeySet in_keys,

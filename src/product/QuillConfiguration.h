@@ -1,6 +1,8 @@
 #pragma once
 #include "driversupport/DSDSNConfiguration.h"
 #include "driversupport/DSServerSidePropertyGroup.h"
+#include "driversupport/DSOAuthConfiguration.h"
+#include "thrift/TEDFIConfiguration.h"
 
 namespace Tarni::SparkODBC
 {
@@ -24,11 +26,17 @@ public:
     /// "AOSS_EncryptedPWD"), the OAuth client secret ("Auth_Client_Secret" /
     /// "Auth_Encrypted_Client_Secret") and access token ("Auth_AccessToken" /
     /// "Auth_Encrypted_Access_Token"), and the DFI key file password
-    /// ("keyFilePassword" / "EncryptedKeyFilePassword").
+    /// ("keyFilePassword" / "EncryptedKeyFilePassword", held by the DFI
+    /// configuration).
     DriverSupport::DSUidPwdConfiguration& GetAOSSCredentials() { return *m_aossCredentials; }
     DriverSupport::DSUidPwdConfiguration& GetOAuthClientSecret() { return *m_oauthClientSecret; }
     DriverSupport::DSUidPwdConfiguration& GetOAuthAccessToken() { return *m_oauthAccessToken; }
-    DriverSupport::DSUidPwdConfiguration& GetDFIKeyFilePassword() { return *m_dfiKeyFilePassword; }
+    DriverSupport::DSUidPwdConfiguration& GetDFIKeyFilePassword() { return *m_dfi; }
+
+    /// The OAuth 2.0 settings of the OAuth Options dialog (over the two OAuth credentials above).
+    DriverSupport::DSOAuthConfiguration& GetOAuthConfiguration() { return *m_oauth; }
+    /// The DFI settings of the DFI Options dialog.
+    ThriftExtension::TEDFIConfiguration& GetDFIConfiguration() { return *m_dfi; }
 
     /// The server-side properties ("SSP_") and HTTP headers ("http.header.")
     /// that the dialogs edit. A data source keeps its own; the driver-wide
@@ -43,7 +51,8 @@ private:
     DriverSupport::DSUidPwdConfiguration* m_aossCredentials = nullptr;
     DriverSupport::DSUidPwdConfiguration* m_oauthClientSecret = nullptr;
     DriverSupport::DSUidPwdConfiguration* m_oauthAccessToken = nullptr;
-    DriverSupport::DSUidPwdConfiguration* m_dfiKeyFilePassword = nullptr;
+    DriverSupport::DSOAuthConfiguration* m_oauth = nullptr;
+    ThriftExtension::TEDFIConfiguration* m_dfi = nullptr;
     DriverSupport::DSServerSidePropertyGroup m_ownServerSideProperties;
     DriverSupport::DSPrefixedPropertyGroup m_ownHttpHeaders{"http.header."};
 };

@@ -1,5 +1,7 @@
 #include "product/SOConfigurationTables.h"
 
+#include "driversupport/DSOAuthConfiguration.h"
+
 #include <map>
 
 namespace Tarni::SparkODBC
@@ -57,9 +59,8 @@ const std::vector<tarni_wstring>& SOConfigurationTables::ServiceDiscoveryModeNam
 
 const std::vector<tarni_wstring>& SOConfigurationTables::OAuthFlowNames()
 {
-    static const std::vector<tarni_wstring> names = {u"Token Passthrough", u"Client Credentials",
-                                                     u"Browser Based Authorization Code"};
-    return names;
+    // One list for the product's tables and the OAuth Options dialog.
+    return DriverSupport::DSOAuthConfiguration::FlowNames();
 }
 
 std::optional<unsigned> SOConfigurationTables::AuthMechFromName(tarni_wstring_view in_name)

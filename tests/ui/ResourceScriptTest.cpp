@@ -34,6 +34,7 @@ const TemplateCase kTemplates[] = {
     {IDD_SERVER_SIDE_PROPERTIES, "Server Side Properties", 309, 111},
     {IDD_TEST_RESULTS, "Test Results", 0, 0},
     {IDD_TEMP_TABLE_CONFIG, "Temporary Table Configuration", 265, 145},
+    {IDD_OAUTH_OPTIONS, "OAuth Options", 320, 249},
     {IDD_ZOOKEEPER_OPTIONS, "ZooKeeper Options", 243, 53},
     {IDD_SSL_OPTIONS_TWO_WAY, "SSL Options", 0, 0},
     {IDD_AOSS_OPTIONS, "AOSS Options", 227, 118},

@@ -6,11 +6,14 @@
 #include "dialogs/framework/DSDialogMessageBoxHost.h"
 #include "dialogs/framework/DSMessageCatalogue.h"
 #include "dialogs/driversupport/DSHttpPropertiesDialog.h"
+#include "dialogs/driversupport/DSOAuthOptionsDialog.h"
 #include "dialogs/driversupport/DSPasswordOptionsDialog.h"
 #include "dialogs/driversupport/DSProxyConfigurationDialog.h"
 #include "dialogs/driversupport/DSTestResultDialog.h"
 #include "dialogs/product/QuillAdvancedOptionsDialog.h"
 #include "dialogs/product/QuillZkDialog.h"
+#include "dialogs/thrift/TEDFIDialog.h"
+#include "dialogs/thrift/TESAMLDialog.h"
 #include "driversupport/ConfigurationKeys.h"
 #include "driversupport/DSProductHelper.h"
 #include "driversupport/ProductSettingKeys.h"
@@ -271,14 +274,25 @@ std::intptr_t QuillConfigurationDialog::ActionProc(IDialogWindow* in_window, std
                 break;
             case IDC_SSL_OPTIONS:
             case IDC_LOGGING_OPTIONS:
-            case IDC_DFI_OPTIONS:
                 dialog.ShowOptionsNotAvailable(id);
                 break;
+            case IDC_DFI_OPTIONS:
+            {
+                ThriftExtension::TEDFIDialog dfi;
+                dfi.Show(in_window, &dialog.m_configuration.GetDFIConfiguration());
+                break;
+            }
             case IDC_OAUTH_OPTIONS:
-            case IDC_SAML_OPTIONS:
-                dialog.ShowOptionsNotAvailable(id);
+                DriverSupport::DSOAuthOptionsDialog::Show(in_window, &dialog.m_configuration.GetOAuthConfiguration());
                 dialog.CheckEnableButtons();
                 break;
+            case IDC_SAML_OPTIONS:
+            {
+                ThriftExtension::TESAMLDialog saml;
+                saml.Show(in_window, &dialog.m_configuration);
+                dialog.CheckEnableButtons();
+                break;
+            }
             default:
                 handled = 0;
                 break;

@@ -413,8 +413,7 @@ TEST_F(QuillConfigurationDialogTest, OptionButtonsOpenTheirDialogsOrSayTheyAreNo
     const std::pair<int, const char16_t*> later[] = {
         {IDC_SSL_OPTIONS, u"SSL Options"},
         {IDC_LOGGING_OPTIONS, u"Logging Options"},
-        {IDC_OAUTH_OPTIONS, u"OAuth Options"},
-        {IDC_SERVICE_DISCOVERY_OPTIONS, u"Service Discovery Options"}, {IDC_DFI_OPTIONS, u"DFI Options"},
+        {IDC_SERVICE_DISCOVERY_OPTIONS, u"Service Discovery Options"},
     };
     Run(IDD_DSN_SETUP, [&](Window& w) {
         m_host.ExpectDialog(IDD_ZOOKEEPER_OPTIONS, [](Window& z) {
@@ -438,14 +437,20 @@ TEST_F(QuillConfigurationDialogTest, OptionButtonsOpenTheirDialogsOrSayTheyAreNo
         w.SelectCombo(IDC_SERVICE_DISCOVERY_MODE, u"AOSS");
         for (const auto& [id, title] : later)
         {
-            if (id == IDC_DFI_OPTIONS)
-            {
-                w.SelectCombo(IDC_SERVER_TYPE, u"DFI");
-            }
             m_host.ExpectMessageBox(IDOK);
             w.Click(id);
             EXPECT_EQ(LastBox().caption, title);
             EXPECT_EQ(LastBox().text, u"These options are not available in this build.");
+        }
+        for (const auto& [button, dialog] : {std::pair{IDC_OAUTH_OPTIONS, IDD_OAUTH_OPTIONS},
+                                             std::pair{IDC_DFI_OPTIONS, IDD_DFI_OPTIONS}})
+        {
+            if (button == IDC_DFI_OPTIONS)
+            {
+                w.SelectCombo(IDC_SERVER_TYPE, u"DFI");
+            }
+            m_host.ExpectDialog(dialog, [](Window& o) { o.Click(IDCANCEL); });
+            w.Click(button);
         }
         w.Click(IDCANCEL);
     });

@@ -587,3 +587,72 @@ TEST_F(DriverConfigTerminalTest, AnHttpHeaderWithAnEmptyValueIsSavedWithThePath)
     ExpectTerminalRestored();
 }
 }  // namespace Tarni::Testing
+
+namespace Tarni::Testing
+{
+TEST_F(DriverConfigTerminalTest, DfiAndSamlOptionsOfTheDfiServerTypeWithTheKeyboard)
+{
+    std::ofstream(m_folder / "oci-config") << "[DEFAULT]\n";
+    const std::string configFile = (m_folder / "oci-config").string();
+    Start("[Driver]\nSparkServerType=4\nAuthMech=3\nThriftTransport=2\n");
+    FocusButton("DFI Options...");
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitForText("OCI Config File:")) << m_session->Screen();
+
+    // A file that does not exist is refused; the dialog keeps what was typed.
+    FocusFieldOf("OCI Config File:");
+    m_session->Type(configFile + ".typo");
+    FocusFieldOf("OCI Profile:");
+    m_session->Type("analytics");
+    FocusFieldOf("Key File Password:");
+    m_session->Type("k3y-pass");
+    ASSERT_TRUE(m_session->WaitForText("[********"));
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitForText("DSN Configuration Error")) << m_session->Screen();
+    EXPECT_NE(m_session->Screen().find("DFI Options: the OCI Config File"), std::string::npos) << m_session->Screen();
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitFor([](const std::string& s) { return s.find("Configuration Error") == std::string::npos; }));
+    EXPECT_NE(m_session->LineWith("OCI Profile:").find("[analytics"), std::string::npos) << m_session->Screen();
+
+    FocusFieldOf("OCI Config File:");
+    m_session->Key("C-u");
+    m_session->Type(configFile);
+    FocusButton("Password Options...");
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitForText("All Users of this Machine")) << m_session->Screen();
+    m_session->Key("Down");
+    m_session->Key("Space");
+    ASSERT_TRUE(m_session->WaitForText("(*) All Users of this Machine"));
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitFor([](const std::string& s) { return s.find("All Users of") == std::string::npos; }));
+    FocusButton("OK");
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitFor([](const std::string& s) { return s.find("OCI Profile:") == std::string::npos; }))
+        << m_session->Screen();
+
+    // SAML Options: the flow is fixed on "browser".
+    FocusButton("SAML Options...");
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitForText("Enable Auth Cookie Caching")) << m_session->Screen();
+    EXPECT_NE(m_session->LineWith("Authentication Flow:").find("[browser"), std::string::npos) << m_session->Screen();
+    // The disabled flow list takes no focus: the first check box has it, Tab goes to the second.
+    m_session->Key("Tab");
+    m_session->Key("Space");
+    ASSERT_TRUE(m_session->WaitForText("[x] Enable Auth Cookie Caching")) << m_session->Screen();
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitFor([](const std::string& s) { return s.find("Cookie Caching") == std::string::npos; }));
+
+    FocusButton("OK");
+    m_session->Key("Enter");
+    EXPECT_EQ(Finish(), 1);
+    const std::string ini = Ini();
+    for (const std::string& line : {"OCIConfigFile=" + configFile + "\n", std::string("OCIProfile=analytics\n"),
+                                   std::string("EnableSamlCookieCaching=1\n"), std::string("EncryptedKeyFilePassword=")})
+    {
+        EXPECT_NE(ini.find(line), std::string::npos) << line << ini;
+    }
+    EXPECT_EQ(ini.find("keyFilePassword="), std::string::npos) << ini;
+    EXPECT_EQ(ini.find("k3y-pass"), std::string::npos) << ini;
+    ExpectTerminalRestored();
+}
+}  // namespace Tarni::Testing

@@ -12,6 +12,7 @@
 #include "dialogs/framework/DSDialogModule.h"
 #include "dialogs/driversupport/DSEditPropertyDialog.h"
 #include "dialogs/driversupport/DSHttpPropertiesDialog.h"
+#include "dialogs/driversupport/DSOAuthOptionsDialog.h"
 #include "dialogs/driversupport/DSPasswordOptionsDialog.h"
 #include "dialogs/product/QuillAdvancedOptionsDialog.h"
 #include "dialogs/driversupport/DSProxyConfigurationDialog.h"
@@ -19,6 +20,8 @@
 #include "dialogs/product/QuillServerSidePropertiesDialog.h"
 #include "dialogs/product/QuillTempTableDialog.h"
 #include "dialogs/product/QuillZkDialog.h"
+#include "dialogs/thrift/TEDFIDialog.h"
+#include "dialogs/thrift/TESAMLDialog.h"
 #include "driversupport/ConfigurationKeys.h"
 #include "ui/ResourceScript.h"
 #include "ui/win32/GuiDriver.h"
@@ -62,6 +65,11 @@ int main(int argc, char** argv)
     configuration.GetServerSidePropertyGroup().GetProperties() = {{u"spark.sql.shuffle.partitions", u"8"},
                                                                   {u"spark.sql.ansi.enabled", u"true"}};
     configuration.GetHttpHeaderGroup().GetProperties() = {{u"X-Trace", u""}, {u"User-Agent", u"reports/2.1"}};
+    configuration.SetValue(DriverSupport::Keys::OCIProfile, u"DEFAULT");
+    configuration.SetValue(DriverSupport::Keys::Auth_Flow, u"1");
+    configuration.SetValue(DriverSupport::Keys::Auth_Client_ID, u"spark-odbc");
+    configuration.SetValue(DriverSupport::Keys::OAuth2TokenEndPoint, u"https://login.example.com/oauth2/token");
+    configuration.SetValue(DriverSupport::Keys::Auth_Scope, u"sql");
 
     for (int i = 1; i < argc; ++i)
     {
@@ -135,6 +143,15 @@ int main(int argc, char** argv)
             case IDD_HTTP_PROPERTIES:
                 DriverSupport::DSHttpPropertiesDialog(configuration, configuration.GetHttpHeaderGroup(), true)
                     .Show(nullptr);
+                break;
+            case IDD_DFI_OPTIONS:
+                ThriftExtension::TEDFIDialog().Show(nullptr, &configuration.GetDFIConfiguration());
+                break;
+            case IDD_SAML_OPTIONS:
+                ThriftExtension::TESAMLDialog().Show(nullptr, &configuration);
+                break;
+            case IDD_OAUTH_OPTIONS:
+                DriverSupport::DSOAuthOptionsDialog::Show(nullptr, &configuration.GetOAuthConfiguration());
                 break;
             default:
                 host.DialogBoxParam(id, nullptr, &Plain, 0);

@@ -142,4 +142,100 @@ TEST_F(QuillConfigurationDialogWin32Test, ADsnNameWithAnAtSignIsRefusedInAMessag
     EXPECT_EQ(result, 1);
     EXPECT_EQ(m_configuration.GetDsnName(), u"sales-east");
 }
+
+/// Presses a button whose action opens a modal dialog: posted, so this thread
+/// goes on while the dialog runs.
+void PostClick(HWND in_dialog, int in_id)
+{
+    ::PostMessageW(in_dialog, WM_COMMAND, MAKEWPARAM(in_id, BN_CLICKED),
+                   reinterpret_cast<LPARAM>(::GetDlgItem(in_dialog, in_id)));
+}
+
+TEST_F(QuillConfigurationDialogWin32Test, DfiAndSamlOptionsOpenForTheDfiServerType)
+{
+    wchar_t temp[MAX_PATH] = {};
+    ::GetTempPathW(MAX_PATH, temp);
+    const std::wstring missing = std::wstring(temp) + L"tarni-no-such-oci-config";
+    std::wstring errorCaption, samlFlow;
+    bool samlFlowEnabled = true;
+    const auto result = Run(IDD_DRIVER_CONFIG, DRIVER_TITLE, [&](HWND d) {
+        GuiDriver::Select(d, IDC_SERVER_TYPE, L"DFI");
+        PostClick(d, IDC_DFI_OPTIONS);
+        HWND dfi = GuiDriver::WaitForDialog(L"DFI Options", ::GetCurrentProcessId(), std::chrono::seconds(20));
+        ASSERT_NE(dfi, nullptr);
+        GuiDriver::Type(dfi, IDC_DFI_CONFIG_FILE, missing);
+        GuiDriver::Type(dfi, IDC_DFI_PROFILE, L"analytics");
+        GuiDriver::Type(dfi, IDC_DFI_KEY_FILE_PASSWORD, L"k3y-pass");
+        PostClick(dfi, IDOK);
+        if (HWND box = GuiDriver::WaitForDialog(L"DSN Configuration Error", ::GetCurrentProcessId(),
+                                                std::chrono::seconds(20)))
+        {
+            errorCaption = L"DSN Configuration Error";
+            GuiDriver::Click(box, IDOK);
+            GuiDriver::WaitForClose(box);
+        }
+        EXPECT_TRUE(::IsWindowVisible(dfi)) << "a refused file keeps the dialog open";
+        GuiDriver::Type(dfi, IDC_DFI_CONFIG_FILE, L"");
+        GuiDriver::Click(dfi, IDC_DFI_IGNORE_NOPROMPT);
+        PostClick(dfi, IDOK);
+        GuiDriver::WaitForClose(dfi);
+
+        PostClick(d, IDC_SAML_OPTIONS);
+        HWND saml = GuiDriver::WaitForDialog(L"SAML Options", ::GetCurrentProcessId(), std::chrono::seconds(20));
+        ASSERT_NE(saml, nullptr);
+        samlFlow = Selected(saml, IDC_SAML_AUTH_FLOW);
+        samlFlowEnabled = GuiDriver::Enabled(saml, IDC_SAML_AUTH_FLOW);
+        GuiDriver::Click(saml, IDC_SAML_COOKIE_CACHING);
+        PostClick(saml, IDOK);
+        GuiDriver::WaitForClose(saml);
+        GuiDriver::Click(d, IDOK);
+    });
+    EXPECT_EQ(result, 1);
+    EXPECT_EQ(errorCaption, L"DSN Configuration Error");
+    EXPECT_EQ(samlFlow, L"browser");
+    EXPECT_FALSE(samlFlowEnabled);
+    EXPECT_EQ(m_configuration.GetValue(Keys::OCIProfile), u"analytics");
+    EXPECT_EQ(m_configuration.GetValue(Keys::OCIConfigFile), u"");
+    EXPECT_EQ(m_configuration.GetValue(Keys::OCIIgnoreDriverNoPrompt), u"1");
+    EXPECT_EQ(m_configuration.GetValue(Keys::keyFilePassword), u"k3y-pass") << "protected by the save, not here";
+    EXPECT_EQ(m_configuration.GetValue(Keys::EnableSamlCookieCaching), u"1");
+}
+
+TEST_F(QuillConfigurationDialogWin32Test, OAuthOptionsForClientCredentialsFromTheDsnSetup)
+{
+    std::wstring accessTokenState;
+    std::wstring refusal;
+    const auto result = Run(IDD_DSN_SETUP, DSN_TITLE, [&](HWND d) {
+        GuiDriver::Type(d, IDC_DSN_NAME, L"Sales");
+        GuiDriver::Type(d, IDC_HOSTS, L"spark.example.com");
+        GuiDriver::Select(d, IDC_AUTH_MECH, L"OAuth 2.0");
+        PostClick(d, IDC_OAUTH_OPTIONS);
+        HWND oauth = GuiDriver::WaitForDialog(L"OAuth Options", ::GetCurrentProcessId(), std::chrono::seconds(20));
+        ASSERT_NE(oauth, nullptr);
+        GuiDriver::Select(oauth, IDC_OAUTH_FLOW, L"Client Credentials");
+        accessTokenState = GuiDriver::Enabled(oauth, IDC_OAUTH_ACCESS_TOKEN) ? L"enabled" : L"disabled";
+        GuiDriver::Type(oauth, IDC_OAUTH_CLIENT_ID, L"app-id");
+        GuiDriver::Type(oauth, IDC_OAUTH_CLIENT_SECRET, L"client-s3cret");
+        GuiDriver::Type(oauth, IDC_OAUTH_TOKEN_END_POINT, L"http://login.example.com/token");
+        PostClick(oauth, IDOK);
+        if (HWND box = GuiDriver::WaitForDialog(L"DSN Configuration Error", ::GetCurrentProcessId(),
+                                                std::chrono::seconds(20)))
+        {
+            refusal = L"shown";
+            GuiDriver::Click(box, IDOK);
+            GuiDriver::WaitForClose(box);
+        }
+        GuiDriver::Type(oauth, IDC_OAUTH_TOKEN_END_POINT, L"https://login.example.com/token");
+        PostClick(oauth, IDOK);
+        GuiDriver::WaitForClose(oauth);
+        GuiDriver::Click(d, IDOK);
+    });
+    EXPECT_EQ(result, 1);
+    EXPECT_EQ(accessTokenState, L"disabled");
+    EXPECT_EQ(refusal, L"shown") << "plain http to a remote token end point";
+    EXPECT_EQ(m_configuration.GetValue(Keys::Auth_Flow), u"1");
+    EXPECT_EQ(m_configuration.GetValue(Keys::Auth_Client_ID), u"app-id");
+    EXPECT_EQ(m_configuration.GetValue(Keys::OAuth2TokenEndPoint), u"https://login.example.com/token");
+    EXPECT_EQ(m_configuration.GetValue(Keys::AuthMech), u"11");
+}
 }  // namespace
