@@ -38,6 +38,12 @@ QuillConfiguration::QuillConfiguration(tarni_wstring in_dsnName, unsigned in_con
     m_oauthAccessToken->SetPasswordOptionsButtonName(u"Encryption Options button");
     m_dfiKeyFilePassword = AddCredential(
         DSUidPwdKeySet{u"", key(Keys::keyFilePassword), key(Keys::EncryptedKeyFilePassword), u""}, u"DFI Options");
+    auto aossSsl = std::make_unique<DriverSupport::DSSSLConfiguration>(
+        m_map, in_logger, in_configType, DriverSupport::DSSSLKeySetDescriptor{key(Keys::AOSS_Prefix), false, false, false},
+        false);
+    aossSsl->GetClientKeyCredentials().SetParentDlgName(u"SSL Options dialog in the AOSS Options dialog");
+    m_aossSsl = aossSsl.get();
+    AddComponent(std::move(aossSsl));
 }
 
 DriverSupport::DSUidPwdConfiguration* QuillConfiguration::AddCredential(DriverSupport::DSUidPwdKeySet in_keys,

@@ -28,6 +28,9 @@ public:
     DriverSupport::DSUidPwdConfiguration& GetOAuthClientSecret() { return *m_oauthClientSecret; }
     DriverSupport::DSUidPwdConfiguration& GetOAuthAccessToken() { return *m_oauthAccessToken; }
     DriverSupport::DSUidPwdConfiguration& GetDFIKeyFilePassword() { return *m_dfiKeyFilePassword; }
+    /// The SSL settings of the AOSS status endpoint: every key with the
+    /// prefix "AOSS_", no two-way SSL and no minimum TLS version of their own.
+    DriverSupport::DSSSLConfiguration& GetAOSSSSLConfiguration() { return *m_aossSsl; }
 
 private:
     DriverSupport::DSUidPwdConfiguration* AddCredential(DriverSupport::DSUidPwdKeySet in_keys,
@@ -37,5 +40,6 @@ private:
     DriverSupport::DSUidPwdConfiguration* m_oauthClientSecret = nullptr;
     DriverSupport::DSUidPwdConfiguration* m_oauthAccessToken = nullptr;
     DriverSupport::DSUidPwdConfiguration* m_dfiKeyFilePassword = nullptr;
+    DriverSupport::DSSSLConfiguration* m_aossSsl = nullptr;
 };
 }  // namespace Tarni::SparkODBC

@@ -7,6 +7,8 @@
 #include "dialogs/framework/DSMessageCatalogue.h"
 #include "dialogs/driversupport/DSPasswordOptionsDialog.h"
 #include "dialogs/driversupport/DSTestResultDialog.h"
+#include "dialogs/driversupport/DSSSLDialog.h"
+#include "dialogs/product/QuillAOSSDialog.h"
 #include "dialogs/product/QuillZkDialog.h"
 #include "driversupport/ConfigurationKeys.h"
 #include "driversupport/DSProductHelper.h"
@@ -247,8 +249,10 @@ std::intptr_t QuillConfigurationDialog::ActionProc(IDialogWindow* in_window, std
             case IDC_SERVICE_DISCOVERY_OPTIONS:
                 dialog.OpenServiceDiscoveryOptions();
                 break;
-            case IDC_ADVANCED_OPTIONS:
             case IDC_SSL_OPTIONS:
+                dialog.OpenSslOptions();
+                break;
+            case IDC_ADVANCED_OPTIONS:
             case IDC_HTTP_OPTIONS:
             case IDC_LOGGING_OPTIONS:
             case IDC_PROXY_OPTIONS:
@@ -524,6 +528,10 @@ void QuillConfigurationDialog::OnServerTypeChanged()
     else if (m_currentServerType == Tables::SERVER_SHARK || m_currentServerType == Tables::SERVER_DFI)
     {
         // Back from a server type that fixed the choices: the user's own again.
+        if (m_currentServerType == Tables::SERVER_DFI)
+        {
+            m_configuration.GetSSLConfiguration().LoadLastUserSelectedSslConfig();
+        }
         SelectServiceDiscoveryModeOnDialog(m_rememberedMode);
         SelectAuthMechOnDialog(m_currentAuthMech);
         FillTransports(selected, m_currentAuthMech, m_rememberedTransport);
@@ -683,12 +691,27 @@ void QuillConfigurationDialog::OpenServiceDiscoveryOptions()
             QuillZkDialog::Show(m_window, &m_configuration);
             break;
         case Tables::SD_AOSS:
-            ShowOptionsNotAvailable(IDC_SERVICE_DISCOVERY_OPTIONS);
+            QuillAOSSDialog::Show(m_window, &m_configuration, m_allowEditing);
             break;
         default:
             // No discovery, no options.
             break;
     }
+    CheckEnableButtons();
+}
+
+void QuillConfigurationDialog::OpenSslOptions()
+{
+    // DFI connects over HTTPS only: SSL is on and stays on. Every transport
+    // takes SSL (a TLS socket for Binary and SASL, HTTPS for HTTP), so the
+    // transport does not restrict it.
+    DriverSupport::DSSSLConfiguration& ssl = m_configuration.GetSSLConfiguration();
+    const bool dfi = GetSelectedServerTypeFromDlg() == Tables::SERVER_DFI;
+    if (dfi)
+    {
+        ssl.SetSsl(u"1", false);
+    }
+    DriverSupport::DSSSLDialog::Show(m_window, &ssl, m_allowEditing && !dfi);
     CheckEnableButtons();
 }
 

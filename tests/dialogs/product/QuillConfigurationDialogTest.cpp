@@ -411,10 +411,10 @@ TEST_F(QuillConfigurationDialogTest, OptionButtonsOpenTheirDialogsOrSayTheyAreNo
     Set(Keys::ServiceDiscoveryMode, u"ZooKeeper");
     m_configuration.GetCredentials().SetEncryptPwd(true);
     const std::pair<int, const char16_t*> later[] = {
-        {IDC_ADVANCED_OPTIONS, u"Advanced Options"}, {IDC_SSL_OPTIONS, u"SSL Options"},
+        {IDC_ADVANCED_OPTIONS, u"Advanced Options"},
         {IDC_PROXY_OPTIONS, u"Proxy Options"},       {IDC_LOGGING_OPTIONS, u"Logging Options"},
         {IDC_HTTP_OPTIONS, u"HTTP Options"},         {IDC_OAUTH_OPTIONS, u"OAuth Options"},
-        {IDC_SERVICE_DISCOVERY_OPTIONS, u"Service Discovery Options"}, {IDC_DFI_OPTIONS, u"DFI Options"},
+        {IDC_DFI_OPTIONS, u"DFI Options"},
     };
     Run(IDD_DSN_SETUP, [&](Window& w) {
         m_host.ExpectDialog(IDD_ZOOKEEPER_OPTIONS, [](Window& z) {

@@ -138,3 +138,97 @@ TEST_F(DriverConfigGuiTest, AMissingTemplateExitsWithMinusOneAndStillSaves)
     EXPECT_EQ(SparkODBC::SODriverConfigRun::Run(host, options), -1);
     EXPECT_EQ(Stored().at(u"KrbServiceName"), u"spark");
 }
+
+namespace
+{
+/// The visible dialog with the title owned by the process, after the command
+/// was posted to in_owner (posted: the dialog runs its own modal loop).
+HWND OpenFrom(HWND in_owner, int in_command, const std::wstring& in_title, DWORD in_processId)
+{
+    ::PostMessageW(in_owner, WM_COMMAND, MAKEWPARAM(in_command, BN_CLICKED), 0);
+    return GuiDriver::WaitForDialog(in_title, in_processId, std::chrono::seconds(30));
+}
+
+/// Types the path into the open-file box and presses its Open button.
+void ChooseFile(HWND in_box, const std::wstring& in_path)
+{
+    // The file name field: an edit of its own, or the edit inside the file name combo.
+    HWND field = ::GetDlgItem(in_box, 0x480);
+    if (field == nullptr)
+    {
+        field = ::FindWindowExW(::GetDlgItem(in_box, 0x47C), nullptr, L"Edit", nullptr);
+    }
+    ASSERT_NE(field, nullptr) << "no file name field";
+    ::SendMessageW(field, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(in_path.c_str()));
+    GuiDriver::Click(in_box, IDOK);
+}
+}  // namespace
+
+TEST_F(DriverConfigGuiTest, SslAndAossOptionsWrittenThroughRealDialogsReachTheRegistry)
+{
+    wchar_t temp[MAX_PATH] = {};
+    ::GetTempPathW(MAX_PATH, temp);
+    const std::wstring caFile = std::wstring(temp) + L"tarni-gui-ca.pem";
+    {
+        HANDLE file = ::CreateFileW(caFile.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+        ASSERT_NE(file, INVALID_HANDLE_VALUE);
+        DWORD written = 0;
+        ::WriteFile(file, "-----BEGIN CERTIFICATE-----\n", 28, &written, nullptr);
+        ::CloseHandle(file);
+    }
+    {
+        auto store = Platform::SettingsStoreFactory::OpenDriverStore(m_location);
+        store->WriteValue(u"SSL", u"0");
+        store->WriteValue(u"UseSystemTrustStore", u"0");
+        store->WriteValue(u"Min_TLS", u"1.0");
+        store->WriteValue(u"ServiceDiscoveryMode", u"AOSS");
+        store->WriteValue(u"AOSS_AuthMech", u"0");
+    }
+    std::wstring chosenPath, tlsShown;
+    bool aossOkWithoutPassword = true;
+    const DWORD exitCode = RunProgram([&](HWND dialog) {
+        DWORD processId = 0;
+        ::GetWindowThreadProcessId(dialog, &processId);
+        HWND ssl = OpenFrom(dialog, IDC_SSL_OPTIONS, L"SSL Options", processId);
+        ASSERT_NE(ssl, nullptr);
+        GuiDriver::Click(ssl, IDC_SSL_ENABLE);
+        HWND open = OpenFrom(ssl, IDC_SSL_BROWSE_TRUSTED_CERTS, L"Open", processId);
+        ASSERT_NE(open, nullptr) << "no open-file box";
+        ChooseFile(open, caFile);
+        GuiDriver::WaitForClose(open);
+        chosenPath = GuiDriver::Text(ssl, IDC_SSL_TRUSTED_CERTS);
+        tlsShown = GuiDriver::Text(ssl, IDC_SSL_MIN_TLS);
+        GuiDriver::Select(ssl, IDC_SSL_MIN_TLS, L"1.2");
+        GuiDriver::Click(ssl, IDOK);
+        GuiDriver::WaitForClose(ssl);
+
+        HWND aoss = OpenFrom(dialog, IDC_SERVICE_DISCOVERY_OPTIONS, L"AOSS Options", processId);
+        ASSERT_NE(aoss, nullptr);
+        GuiDriver::Select(aoss, IDC_AOSS_AUTH_MECH, L"User Name and Password");
+        GuiDriver::Type(aoss, IDC_AOSS_USER_NAME, L"watcher");
+        aossOkWithoutPassword = GuiDriver::Enabled(aoss, IDOK);
+        GuiDriver::Type(aoss, IDC_AOSS_PASSWORD, L"aoss-s3cret");
+        HWND password = OpenFrom(aoss, IDC_AOSS_PASSWORD_OPTIONS, L"Password Options", processId);
+        ASSERT_NE(password, nullptr);
+        GuiDriver::Click(password, IDC_PWD_CURRENT_USER_ONLY);
+        GuiDriver::Click(password, IDOK);
+        GuiDriver::WaitForClose(password);
+        GuiDriver::Click(aoss, IDOK);
+        GuiDriver::WaitForClose(aoss);
+        GuiDriver::Click(dialog, IDOK);
+    });
+    EXPECT_EQ(exitCode, 1u);
+    EXPECT_EQ(chosenPath, caFile);
+    EXPECT_EQ(tlsShown, L"1.0");
+    EXPECT_FALSE(aossOkWithoutPassword);
+    const Snapshot stored = Stored();
+    EXPECT_EQ(stored.at(u"SSL"), u"1");
+    EXPECT_EQ(std::wstring(stored.at(u"TrustedCerts").begin(), stored.at(u"TrustedCerts").end()), caFile);
+    EXPECT_EQ(stored.at(u"Min_TLS"), u"1.2");
+    EXPECT_EQ(stored.at(u"AOSS_AuthMech"), u"3");
+    EXPECT_EQ(stored.at(u"AOSS_UID"), u"watcher");
+    EXPECT_EQ(stored.count(u"AOSS_PWD"), 0u);
+    ASSERT_EQ(stored.count(u"AOSS_EncryptedPWD"), 1u);
+    EXPECT_EQ(stored.at(u"AOSS_EncryptedPWD").find(u"aoss-s3cret"), tarni_wstring::npos);
+    ::DeleteFileW(caFile.c_str());
+}
