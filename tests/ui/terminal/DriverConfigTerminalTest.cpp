@@ -489,7 +489,7 @@ TEST_F(DriverConfigTerminalTest, SslAndAossOptionsWithTheKeyboardReachTheStore)
     m_session->Key("Enter");
     EXPECT_EQ(Finish(), 1);
     const std::string ini = Ini();
-    for (const std::string line : {"SSL=1\n", "TrustedCerts=" + caFile + "\n", "Min_TLS=1.2\n", "AOSS_AuthMech=3\n",
+    for (const std::string& line : std::vector<std::string>{"SSL=1\n", "TrustedCerts=" + caFile + "\n", "Min_TLS=1.2\n", "AOSS_AuthMech=3\n",
                                    "AOSS_UID=watcher\n", "AOSS_EncryptedPWD="})
     {
         EXPECT_NE(ini.find(line), std::string::npos) << line << ini;
