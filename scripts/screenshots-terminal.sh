@@ -60,7 +60,7 @@ mkdir -p "$out"
 wait_for "Tarni Spark ODBC Driver Configuration"
 shot terminal-driver-configuration
 
-key Tab; key Tab
+key Tab  # from the server type to the service discovery mode
 key Space
 wait_for "No Service Discovery"
 shot terminal-service-discovery-list
@@ -80,5 +80,30 @@ key Enter
 wait_for "All Users of this Machine"
 key Down; key Space
 shot terminal-password-options
+key Escape
+
+status_is "SSL Options"
+key Enter
+wait_for "Enable SSL"
+shot terminal-ssl-options-two-way
+key Escape
+key Escape
+
+# A second run in AOSS mode: AOSS Options and the endpoint's SSL Options.
+for _ in $(seq 1 100); do tmux -L "$socket" has-session 2>/dev/null || break; sleep 0.1; done
+printf '[Driver]\nSparkServerType=3\nServiceDiscoveryMode=AOSS\nAOSS_AuthMech=3\nAOSS_UID=watcher\nAOSS_SSL=1\n' \
+  > "$work/odbc.ini"
+tmux -u -L "$socket" -f /dev/null new-session -d -x 80 -y 24 -e LANG=C.UTF-8 -e TERM=screen \
+  "cd '$work' && SPARKINI='$work/odbc.ini' XDG_CONFIG_HOME='$work' ./tarni-spark-driver-config; sleep 5"
+wait_for "Tarni Spark ODBC Driver Configuration"
+status_is "Service Discovery Options"
+key Enter
+wait_for "Status Endpoint Authentication:"
+shot terminal-aoss-options
+status_is "SSL Options"
+key Enter
+wait_for "Enable SSL"
+shot terminal-ssl-options
+key Escape
 key Escape
 key Escape

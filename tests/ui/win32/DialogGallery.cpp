@@ -11,6 +11,8 @@
 #include "dialogs/framework/DSBaseDialog.h"
 #include "dialogs/framework/DSDialogModule.h"
 #include "dialogs/driversupport/DSPasswordOptionsDialog.h"
+#include "dialogs/driversupport/DSSSLDialog.h"
+#include "dialogs/product/QuillAOSSDialog.h"
 #include "dialogs/product/QuillConfigurationDialog.h"
 #include "dialogs/product/QuillZkDialog.h"
 #include "driversupport/ConfigurationKeys.h"
@@ -52,6 +54,9 @@ int main(int argc, char** argv)
     SparkODBC::QuillConfiguration configuration(u"", 2, nullptr);
     configuration.LoadDefaults();
     configuration.SetValue(DriverSupport::Keys::ZKNamespace, u"hiveserver2");
+    configuration.SetValue(DriverSupport::Keys::SSL, u"1");
+    configuration.SetValue(DriverSupport::Keys::AOSS_AuthMech, u"3");
+    configuration.GetAOSSCredentials().SetUid(u"watcher");
 
     for (int i = 1; i < argc; ++i)
     {
@@ -91,6 +96,15 @@ int main(int argc, char** argv)
                 break;
             case IDD_ZOOKEEPER_OPTIONS:
                 SparkODBC::QuillZkDialog::Show(nullptr, &configuration);
+                break;
+            case IDD_SSL_OPTIONS_TWO_WAY:
+                DriverSupport::DSSSLDialog::Show(nullptr, &configuration.GetSSLConfiguration(), true);
+                break;
+            case IDD_SSL_OPTIONS:
+                DriverSupport::DSSSLDialog::Show(nullptr, &configuration.GetAOSSSSLConfiguration(), true);
+                break;
+            case IDD_AOSS_OPTIONS:
+                SparkODBC::QuillAOSSDialog::Show(nullptr, &configuration, true);
                 break;
             default:
                 host.DialogBoxParam(id, nullptr, &Plain, 0);
