@@ -150,17 +150,38 @@ HWND OpenFrom(HWND in_owner, int in_command, const std::wstring& in_title, DWORD
 }
 
 /// Types the path into the open-file box and presses its Open button.
-void ChooseFile(HWND in_box, const std::wstring& in_path)
+bool ChooseFile(HWND in_box, const std::wstring& in_path)
 {
-    // The file name field: an edit of its own, or the edit inside the file name combo.
-    HWND field = ::GetDlgItem(in_box, 0x480);
-    if (field == nullptr)
+    // The file name field is the box's one editable field (on its own or
+    // inside the file name combo, depending on the system's version).
+    struct Search
     {
-        field = ::FindWindowExW(::GetDlgItem(in_box, 0x47C), nullptr, L"Edit", nullptr);
+        HWND field = nullptr;
+        std::wstring seen;
+    } search;
+    ::EnumChildWindows(
+        in_box,
+        [](HWND in_child, LPARAM in_search) -> BOOL {
+            auto& s = *reinterpret_cast<Search*>(in_search);
+            wchar_t name[64] = {};
+            ::GetClassNameW(in_child, name, 64);
+            s.seen += std::wstring(name) + L":" + std::to_wstring(::GetDlgCtrlID(in_child)) + L" ";
+            if (s.field == nullptr && ::lstrcmpiW(name, L"Edit") == 0 && ::IsWindowVisible(in_child))
+            {
+                s.field = in_child;
+            }
+            return TRUE;
+        },
+        reinterpret_cast<LPARAM>(&search));
+    EXPECT_NE(search.field, nullptr) << "no file name field among " << std::string(search.seen.begin(), search.seen.end());
+    if (search.field == nullptr)
+    {
+        GuiDriver::Click(in_box, IDCANCEL);
+        return false;
     }
-    ASSERT_NE(field, nullptr) << "no file name field";
-    ::SendMessageW(field, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(in_path.c_str()));
+    ::SendMessageW(search.field, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(in_path.c_str()));
     GuiDriver::Click(in_box, IDOK);
+    return true;
 }
 }  // namespace
 
@@ -195,7 +216,7 @@ TEST_F(DriverConfigGuiTest, SslAndAossOptionsWrittenThroughRealDialogsReachTheRe
         HWND open = OpenFrom(ssl, IDC_SSL_BROWSE_TRUSTED_CERTS, L"Open", processId);
         ASSERT_NE(open, nullptr) << "no open-file box";
         ChooseFile(open, caFile);
-        GuiDriver::WaitForClose(open);
+        EXPECT_TRUE(GuiDriver::WaitForClose(open)) << "the open-file box stayed";
         chosenPath = GuiDriver::Text(ssl, IDC_SSL_TRUSTED_CERTS);
         tlsShown = GuiDriver::Text(ssl, IDC_SSL_MIN_TLS);
         GuiDriver::Select(ssl, IDC_SSL_MIN_TLS, L"1.2");
