@@ -55,6 +55,9 @@ int main(int argc, char** argv)
     configuration.LoadDefaults();
     configuration.SetValue(DriverSupport::Keys::ZKNamespace, u"hiveserver2");
     configuration.SetValue(DriverSupport::Keys::SSL, u"1");
+    // As installed, rather than the build folder the gallery runs from.
+    configuration.GetSSLConfiguration().SetTrustedCerts(u"C:\\Program Files\\Tarni\\Spark ODBC Driver\\cacerts.pem");
+    configuration.GetAOSSSSLConfiguration().SetTrustedCerts(u"C:\\Program Files\\Tarni\\Spark ODBC Driver\\cacerts.pem");
     configuration.SetValue(DriverSupport::Keys::AOSS_AuthMech, u"3");
     configuration.GetAOSSCredentials().SetUid(u"watcher");
 
