@@ -1,7 +1,7 @@
-// The SSL settings model: defaults from the descriptor and the product
-// settings, the owner's prefix on every key, the minimum TLS texts, the
-// remembered SSL choice, and what load and save do with the trusted
-// certificates file and the client key password.
+// The SSL settings model: defaults from the descriptor, the owner's prefix
+// and the product settings, the remembered SSL choice, what load and save do
+// with the trusted certificates file and the client key password, and where
+// the installation folder is.
 #include "driversupport/DSSSLConfiguration.h"
 
 #include <gtest/gtest.h>
@@ -88,56 +88,6 @@ TEST_F(SSLModel, DefaultsFollowTheDescriptorAndTheProductSettings)
     EXPECT_EQ(odd.GetValue(u"Min_TLS"), u"1.2") << "a min-tls setting of no known version gives 1.2";
 }
 
-TEST_F(SSLModel, MinimumTlsTextsParseAndPrint)
-{
-    using V = DSSSLConfiguration::MinTlsVersion;
-    EXPECT_EQ(DSSSLConfiguration::ParseMinTls(u"1.0", V::TLS_1_2), V::TLS_1_0);
-    EXPECT_EQ(DSSSLConfiguration::ParseMinTls(u"1.1", V::TLS_1_2), V::TLS_1_1);
-    EXPECT_EQ(DSSSLConfiguration::ParseMinTls(u"Unrestricted", V::TLS_1_2), V::TLS_UNRESTRICTED);
-    for (const char16_t* odd : {u"", u"1.3", u" 1.0", u"1"})
-    {
-        EXPECT_EQ(DSSSLConfiguration::ParseMinTls(odd, V::TLS_1_1), V::TLS_1_1) << "the default for odd text";
-    }
-    EXPECT_EQ(DSSSLConfiguration::MinTlsText(V::TLS_UNRESTRICTED), u"unrestricted");
-    EXPECT_EQ(DSSSLConfiguration::MinTlsText(V::TLS_1_0), u"1.0");
-    EXPECT_FALSE(DSSSLConfiguration::IsUnrestrictedTlsPermitted());
-    UseProductSettings("allow-unrestricted-tls=true\n");
-    EXPECT_TRUE(DSSSLConfiguration::IsUnrestrictedTlsPermitted());
-}
-
-TEST_F(SSLModel, AccessorsUseThePrefixAndTheClientKeyPasswordIsACredential)
-{
-    DSSSLConfiguration ssl = Make(DSSSLKeySetDescriptor{u"AOSS_", true, true, false});
-    ssl.SetAllowHostNameCNMismatch(u"1");
-    ssl.SetAllowSelfSignedServerCert(u"1");
-    ssl.SetAllowInvalidCaCert(u"1");
-    ssl.SetUseSystemTrustStore(u"0");
-    ssl.SetCheckCertRevocation(u"0");
-    ssl.SetTrustedCerts(u"/etc/ca.pem");
-    ssl.SetTwoWaySSL(u"1");
-    ssl.SetClientCert(u"/c.pem");
-    ssl.SetClientPrivateKeyFile(u"/k.pem");
-    ssl.SetClientPrivateKeyPassword(u"s3cret");
-    ssl.SetMinTlsVer(u"1.1");
-    EXPECT_EQ(m_map, (ConfigurationMap{{u"AOSS_AllowHostNameCNMismatch", u"1"},
-                                       {u"AOSS_AllowSelfSignedServerCert", u"1"},
-                                       {u"AOSS_AllowInvalidCACert", u"1"},
-                                       {u"AOSS_UseSystemTrustStore", u"0"},
-                                       {u"AOSS_CheckCertRevocation", u"0"},
-                                       {u"AOSS_TrustedCerts", u"/etc/ca.pem"},
-                                       {u"AOSS_TwoWaySSL", u"1"},
-                                       {u"AOSS_ClientCert", u"/c.pem"},
-                                       {u"AOSS_ClientPrivateKey", u"/k.pem"},
-                                       {u"AOSS_ClientPrivateKeyPWD", u"s3cret"},
-                                       {u"AOSS_Min_TLS", u"1.1"}}));
-    EXPECT_EQ(ssl.GetClientPrivateKeyPassword(), u"s3cret");
-    EXPECT_EQ(ssl.GetClientKeyCredentials().GetKeySet().EncryptedPwd(), u"AOSS_EncryptedClientPrivateKeyPWD");
-    EXPECT_TRUE(ssl.IsForcedSSL());
-    EXPECT_FALSE(Make(std::nullopt).IsForcedSSL());
-    EXPECT_EQ(ssl.GetMinTlsVer(), u"1.1");
-    EXPECT_EQ(ssl.GetSsl(), u"") << "a missing key reads empty";
-}
-
 TEST_F(SSLModel, TheLastSslChoiceOfTheUserComesBack)
 {
     DSSSLConfiguration ssl = Make(std::nullopt);
@@ -189,21 +139,6 @@ TEST_F(SSLModel, LoadAndSaveFillAnEmptyTrustedCertsAndKeepTheKeyPasswordOnlyProt
     oneWay.FinalizeBeforeSave();
     EXPECT_EQ(m_map, (ConfigurationMap{{u"AOSS_TrustedCerts", certs}}))
         << "without two-way SSL the key password is dropped";
-}
-
-TEST_F(SSLModel, AMissingTrustedCertsFileIsLoggedAndKept)
-{
-    DSSSLConfiguration ssl = Make(std::nullopt);
-    const auto existing = (m_dir / "ca.pem");
-    Testing::TempDirectory::WriteFile(existing, "pem");
-    ssl.SetTrustedCerts(Support::StringConverter::FromUtf8(existing.string()));
-    ssl.WarnIfTrustedCertsMissing();
-    EXPECT_FALSE(m_log.Contains(Support::LOG_WARNING, "does not exist"));
-
-    ssl.SetTrustedCerts(u"/no/such/folder/ca.pem");
-    ssl.WarnIfTrustedCertsMissing();
-    EXPECT_TRUE(m_log.Contains(Support::LOG_WARNING, "\"/no/such/folder/ca.pem\" of TrustedCerts does not exist"));
-    EXPECT_EQ(ssl.GetTrustedCerts(), u"/no/such/folder/ca.pem");
 }
 
 #ifndef _WIN32

@@ -131,12 +131,3 @@ TEST_F(QuillAOSSDialogTest, SslOptionsEditTheEndpointsOwnKeys)
     EXPECT_EQ(Get(u"AllowHostNameCNMismatch"), u"0") << "the driver's own SSL settings stay";
 }
 
-TEST_F(QuillAOSSDialogTest, AReadOnlyConfigurationKeepsTheMechanism)
-{
-    Run(
-        [](Window& w) {
-            EXPECT_FALSE(w.Enabled(IDC_AOSS_AUTH_MECH));
-            w.Click(IDCANCEL);
-        },
-        false);
-}

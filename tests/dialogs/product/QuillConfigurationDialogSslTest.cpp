@@ -1,7 +1,6 @@
-// The main dialog's "SSL Options..." and the AOSS choice of "Service
-// Discovery Options...": which dialog opens over which settings, DFI's
-// forced SSL, the user's own SSL choice coming back after DFI, and a
-// read-only run.
+// The main dialog's "SSL Options..." and, in AOSS mode, "Service Discovery
+// Options...": DFI's forced SSL, the user's own SSL choice coming back after
+// DFI, and a read-only run that lets no one switch SSL or the AOSS mechanism.
 #include "dialogs/MainDialogTestSupport.h"
 #include "driversupport/ConfigurationKeys.h"
 
@@ -49,25 +48,6 @@ TEST_F(QuillConfigurationDialogSslTest, DfiForcesSslAndLeavingItBringsBackTheUse
         EXPECT_EQ(Get(u"SSL"), u"0") << "the user's last choice";
         w.Click(IDCANCEL);
     });
-}
-
-TEST_F(QuillConfigurationDialogSslTest, ServiceDiscoveryOptionsOpenAossOptionsInAossMode)
-{
-    Set(Keys::ServiceDiscoveryMode, u"AOSS");
-    Run(IDD_DRIVER_CONFIG, [this](Window& w) {
-        EXPECT_TRUE(w.Enabled(IDC_SERVICE_DISCOVERY_OPTIONS));
-        m_host.ExpectDialog(IDD_AOSS_OPTIONS, [](Window& a) {
-            EXPECT_EQ(a.GetParent()->GetTemplateId(), static_cast<unsigned>(IDD_DRIVER_CONFIG));
-            a.SelectCombo(IDC_AOSS_AUTH_MECH, u"User Name and Password");
-            a.Type(IDC_AOSS_USER_NAME, u"watcher");
-            a.Type(IDC_AOSS_PASSWORD, u"pw");
-            a.Click(IDOK);
-        });
-        w.Click(IDC_SERVICE_DISCOVERY_OPTIONS);
-        w.Click(IDCANCEL);
-    });
-    EXPECT_EQ(Get(u"AOSS_AuthMech"), u"3");
-    EXPECT_EQ(Get(u"AOSS_UID"), u"watcher");
 }
 
 TEST_F(QuillConfigurationDialogSslTest, AReadOnlyRunLetsNoOneSwitchSslOrTheAossMechanism)
