@@ -8,7 +8,6 @@
 #include "dialogs/DialogTestSupport.h"
 #include "driversupport/ConfigurationKeys.h"
 #include "driversupport/DSProductHelper.h"
-#include "product/SOProductIdentity.h"
 #include "support/StringConverter.h"
 #include "resource.h"
 
@@ -33,7 +32,6 @@ protected:
     void SetUp() override
     {
         DialogTest::SetUp();
-        SparkODBC::SOProductIdentity::Register();
         UseProductSettings("");
     }
     void TearDown() override
