@@ -227,6 +227,7 @@ TEST_F(DriverConfigGuiTest, SslAndAossOptionsWrittenThroughRealDialogsReachTheRe
         ASSERT_NE(aoss, nullptr);
         GuiDriver::Select(aoss, IDC_AOSS_AUTH_MECH, L"User Name and Password");
         GuiDriver::Type(aoss, IDC_AOSS_USER_NAME, L"watcher");
+        GuiDriver::Type(aoss, IDC_AOSS_PASSWORD, L"");  // an earlier run may have stored one
         aossOkWithoutPassword = GuiDriver::Enabled(aoss, IDOK);
         GuiDriver::Type(aoss, IDC_AOSS_PASSWORD, L"aoss-s3cret");
         HWND password = OpenFrom(aoss, IDC_AOSS_PASSWORD_OPTIONS, L"Password Options", processId);
