@@ -107,6 +107,12 @@ wait_for "Custom HTTP Headers"
 shot terminal-http-properties
 key Escape
 
+status_is "SSL Options"
+key Enter
+wait_for "Enable SSL"
+shot terminal-ssl-options-two-way
+key Escape
+
 status_is "Proxy Options"
 key Enter
 wait_for "HTTP Proxy Options"
@@ -117,6 +123,24 @@ key M-n; tmux -L "$socket" send-keys -l "alice"
 key M-w; tmux -L "$socket" send-keys -l "secret"
 sleep 0.3
 shot terminal-proxy-options
+key Escape
+key Escape
+
+# A second run in AOSS mode: AOSS Options and the endpoint's SSL Options.
+tmux -L "$socket" kill-server 2>/dev/null || true
+printf '[Driver]\nSparkServerType=3\nServiceDiscoveryMode=AOSS\nAOSS_AuthMech=3\nAOSS_UID=watcher\nAOSS_SSL=1\n' \
+  > "$work/odbc.ini"
+tmux -u -L "$socket" -f /dev/null new-session -d -x 80 -y 24 -e LANG=C.UTF-8 -e TERM=screen \
+  "cd '$work' && SPARKINI='$work/odbc.ini' XDG_CONFIG_HOME='$work' ./tarni-spark-driver-config; sleep 5"
+wait_for "Tarni Spark ODBC Driver Configuration"
+status_is "Service Discovery Options"
+key Enter
+wait_for "Status Endpoint Authentication:"
+shot terminal-aoss-options
+status_is "SSL Options"
+key Enter
+wait_for "Enable SSL"
+shot terminal-ssl-options
 key Escape
 key Escape
 

@@ -1,11 +1,13 @@
 #include "driversupport/DSSSLConfiguration.h"
 
+#include <filesystem>
 #include <mutex>
 
 #include "driversupport/ConfigurationKeys.h"
 #include "driversupport/DSProductHelper.h"
 #include "driversupport/ProductSettingKeys.h"
-#include "platform/ProcessEnvironment.h"
+#include "platform/DriverInstallation.h"
+#include "support/StringConverter.h"
 
 namespace Tarni::DriverSupport
 {
@@ -15,6 +17,8 @@ namespace
 {
 const char* const NS = "Tarni::DriverSupport";
 const char* const CLS = "DSSSLConfiguration";
+
+const tarni_wstring NO_PREFIX;
 }  // namespace
 
 DSSSLConfiguration::DSSSLConfiguration(ConfigurationMap& io_map, Support::ILogger* in_logger,
@@ -24,10 +28,14 @@ DSSSLConfiguration::DSSSLConfiguration(ConfigurationMap& io_map, Support::ILogge
 {
     TARNI_LOG_ENTRY(m_logger, NS, CLS, "DSSSLConfiguration");
     DSUidPwdKeySet keys{tarni_wstring(), tarni_wstring(Keys::ClientPrivateKeyPWD),
-                        tarni_wstring(Keys::EncryptedClientPrivateKeyPWD), m_descriptor ? m_descriptor->prefix : u""};
+                        tarni_wstring(Keys::EncryptedClientPrivateKeyPWD), GetPrefix()};
     m_clientKeyCredentials = std::make_unique<DSUidPwdConfiguration>(io_map, in_logger, in_configType, keys);
     m_clientKeyCredentials->SetParentDlgName(u"SSL Options dialog");
+    // A client key need not be encrypted: no password is no loss.
+    m_clientKeyCredentials->SetPwdOptional();
 }
+
+const tarni_wstring& DSSSLConfiguration::GetPrefix() const { return m_descriptor ? m_descriptor->prefix : NO_PREFIX; }
 
 void DSSSLConfiguration::ShowPwdNotSavedInfoMsg(DSMessageBoxHost& io_host) const
 {
@@ -35,18 +43,19 @@ void DSSSLConfiguration::ShowPwdNotSavedInfoMsg(DSMessageBoxHost& io_host) const
     m_clientKeyCredentials->ShowPwdNotSavedInfoMsg(io_host);
 }
 
-tarni_wstring DSSSLConfiguration::Key(tarni_wstring_view in_name) const
-{
-    return (m_descriptor ? m_descriptor->prefix : tarni_wstring()) + tarni_wstring(in_name);
-}
-
 tarni_wstring DSSSLConfiguration::GetInstallationDirectory()
 {
-    static std::once_flag once;
-    static tarni_wstring directory;
-    std::call_once(once, [] { directory = Platform::ProcessEnvironment::GetExecutableDirectory(); });
-    return directory;
+    static std::mutex lock;
+    static std::optional<tarni_wstring> directory;
+    const std::lock_guard<std::mutex> guard(lock);
+    if (!directory)
+    {
+        directory = Platform::DriverInstallation::GetDirectory();
+    }
+    return *directory;
 }
+
+tarni_wstring DSSSLConfiguration::GetDefaultTrustedCerts() { return GetInstallationDirectory() + u"cacerts.pem"; }
 
 DSSSLConfiguration::MinTlsVersion DSSSLConfiguration::ParseMinTls(tarni_wstring_view in_text,
                                                                   MinTlsVersion in_default)
@@ -76,6 +85,12 @@ DSSSLConfiguration::MinTlsVersion DSSSLConfiguration::GetDefaultMinTls()
     return setting.empty() ? TLS_1_2 : ParseMinTls(setting, TLS_1_2);
 }
 
+bool DSSSLConfiguration::IsUnrestrictedTlsPermitted()
+{
+    const tarni_wstring setting = DSProductHelper::GetSetting(ProductSettingKeys::AllowUnrestrictedTls);
+    return setting == u"1" || setting == u"true";
+}
+
 void DSSSLConfiguration::GetDefaultDriverProperties(ConfigurationMap& io_defaults) const
 {
     TARNI_LOG_ENTRY(m_logger, NS, CLS, "GetDefaultDriverProperties");
@@ -83,7 +98,7 @@ void DSSSLConfiguration::GetDefaultDriverProperties(ConfigurationMap& io_default
         io_defaults.SetValue(Key(in_name), in_value);
     };
     put(Keys::SSL, (m_descriptor && m_descriptor->sslOnByDefault) ? u"1" : u"0");
-    put(Keys::TrustedCerts, GetInstallationDirectory() + u"cacerts.pem");
+    put(Keys::TrustedCerts, GetDefaultTrustedCerts());
     put(Keys::AllowHostNameCNMismatch, u"0");
     put(Keys::AllowSelfSignedServerCert, u"0");
     put(Keys::UseSystemTrustStore,
@@ -94,7 +109,7 @@ void DSSSLConfiguration::GetDefaultDriverProperties(ConfigurationMap& io_default
         DSProductHelper::GetSetting(ProductSettingKeys::CheckCertRevocation) == u"0" ? u"0" : u"1");
     const tarni_wstring allowInvalid = DSProductHelper::GetSetting(ProductSettingKeys::AllowInvalidCACert);
     put(Keys::AllowInvalidCACert, (allowInvalid == u"1" || allowInvalid == u"true") ? u"1" : u"0");
-    if (m_descriptor && m_descriptor->twoWaySSLSupported)
+    if (IsTwoWaySSLSupported())
     {
         put(Keys::TwoWaySSL, u"0");
     }
@@ -107,6 +122,7 @@ void DSSSLConfiguration::GetDefaultDriverProperties(ConfigurationMap& io_default
 
 void DSSSLConfiguration::SetSsl(tarni_wstring_view in_value, bool in_userToggled)
 {
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "SetSsl");
     Set(Keys::SSL, in_value);
     if (in_userToggled)
     {
@@ -116,7 +132,24 @@ void DSSSLConfiguration::SetSsl(tarni_wstring_view in_value, bool in_userToggled
 
 void DSSSLConfiguration::LoadLastUserSelectedSslConfig()
 {
-    Set(Keys::SSL, m_lastUserSelectedSsl);
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "LoadLastUserSelectedSslConfig");
+    if (!m_lastUserSelectedSsl.empty())
+    {
+        Set(Keys::SSL, m_lastUserSelectedSsl);
+    }
+}
+
+void DSSSLConfiguration::WarnIfTrustedCertsMissing() const
+{
+    const tarni_wstring path = Get(Keys::TrustedCerts);
+    std::error_code error;
+    if (!path.empty() && !std::filesystem::is_regular_file(std::filesystem::path(std::u16string(path)), error) &&
+        m_logger != nullptr)
+    {
+        m_logger->LogWarning(NS, CLS, "WarnIfTrustedCertsMissing",
+                             "The trusted certificates file \"%s\" of %s does not exist.",
+                             StringConverter::ToUtf8(path).c_str(), StringConverter::ToUtf8(Key(Keys::TrustedCerts)).c_str());
+    }
 }
 
 void DSSSLConfiguration::InitializeAfterLoad()
@@ -124,12 +157,12 @@ void DSSSLConfiguration::InitializeAfterLoad()
     TARNI_LOG_ENTRY(m_logger, NS, CLS, "InitializeAfterLoad");
     if (Get(Keys::TrustedCerts).empty())
     {
-        Set(Keys::TrustedCerts, GetInstallationDirectory() + u"cacerts.pem");
+        Set(Keys::TrustedCerts, GetDefaultTrustedCerts());
     }
     if (m_map.Contains(Key(Keys::SSL)))
     {
         const tarni_wstring ssl = Get(Keys::SSL);
-        if (ssl == u"1" || ssl == u"0")
+        if (StringConverter::EqualsIgnoreCase(ssl, u"1") || StringConverter::EqualsIgnoreCase(ssl, u"0"))
         {
             m_lastUserSelectedSsl = ssl;
         }
@@ -142,9 +175,9 @@ void DSSSLConfiguration::FinalizeBeforeSave()
     TARNI_LOG_ENTRY(m_logger, NS, CLS, "FinalizeBeforeSave");
     if (Get(Keys::TrustedCerts).empty())
     {
-        Set(Keys::TrustedCerts, GetInstallationDirectory() + u"cacerts.pem");
+        Set(Keys::TrustedCerts, GetDefaultTrustedCerts());
     }
-    if (m_descriptor && m_descriptor->twoWaySSLSupported)
+    if (IsTwoWaySSLSupported())
     {
         m_clientKeyCredentials->FinalizeBeforeSave();
     }

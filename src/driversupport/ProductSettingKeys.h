@@ -19,6 +19,8 @@ inline constexpr tarni_wstring_view UseSystemTrustStore = u"use-system-trust-sto
 inline constexpr tarni_wstring_view CheckCertRevocation = u"check-cert-revocation";
 inline constexpr tarni_wstring_view AllowInvalidCACert = u"AllowInvalidCACert";
 inline constexpr tarni_wstring_view MinTls = u"min-tls";
+/// "1" or "true": the SSL options offer the minimum TLS version "unrestricted".
+inline constexpr tarni_wstring_view AllowUnrestrictedTls = u"allow-unrestricted-tls";
 inline constexpr tarni_wstring_view DriverName = u"driver-name";
 inline constexpr tarni_wstring_view ProductName = u"product-name";
 inline constexpr tarni_wstring_view VendorName = u"vendor-name";

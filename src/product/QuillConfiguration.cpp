@@ -42,6 +42,12 @@ QuillConfiguration::QuillConfiguration(tarni_wstring in_dsnName, unsigned in_con
     auto dfi = std::make_unique<ThriftExtension::TEDFIConfiguration>(m_map, m_logger, m_configType);
     m_dfi = dfi.get();
     AddComponent(std::move(dfi));
+    auto aossSsl = std::make_unique<DriverSupport::DSSSLConfiguration>(
+        m_map, in_logger, in_configType, DriverSupport::DSSSLKeySetDescriptor{key(Keys::AOSS_Prefix), false, false, false},
+        false);
+    aossSsl->GetClientKeyCredentials().SetParentDlgName(u"SSL Options dialog in the AOSS Options dialog");
+    m_aossSsl = aossSsl.get();
+    AddComponent(std::move(aossSsl));
 }
 
 DriverSupport::DSUidPwdConfiguration* QuillConfiguration::AddCredential(DriverSupport::DSUidPwdKeySet in_keys,

@@ -43,6 +43,9 @@ public:
     /// configuration answers with the groups it was given.
     virtual DriverSupport::DSServerSidePropertyGroup& GetServerSidePropertyGroup() { return m_ownServerSideProperties; }
     virtual DriverSupport::DSPrefixedPropertyGroup& GetHttpHeaderGroup() { return m_ownHttpHeaders; }
+    /// The SSL settings of the AOSS status endpoint: every key with the
+    /// prefix "AOSS_", no two-way SSL and no minimum TLS version of their own.
+    DriverSupport::DSSSLConfiguration& GetAOSSSSLConfiguration() { return *m_aossSsl; }
 
 private:
     DriverSupport::DSUidPwdConfiguration* AddCredential(DriverSupport::DSUidPwdKeySet in_keys,
@@ -55,5 +58,6 @@ private:
     ThriftExtension::TEDFIConfiguration* m_dfi = nullptr;
     DriverSupport::DSServerSidePropertyGroup m_ownServerSideProperties;
     DriverSupport::DSPrefixedPropertyGroup m_ownHttpHeaders{"http.header."};
+    DriverSupport::DSSSLConfiguration* m_aossSsl = nullptr;
 };
 }  // namespace Tarni::SparkODBC

@@ -11,6 +11,8 @@
 #include "dialogs/driversupport/DSProxyConfigurationDialog.h"
 #include "dialogs/driversupport/DSTestResultDialog.h"
 #include "dialogs/product/QuillAdvancedOptionsDialog.h"
+#include "dialogs/driversupport/DSSSLDialog.h"
+#include "dialogs/product/QuillAOSSDialog.h"
 #include "dialogs/product/QuillZkDialog.h"
 #include "dialogs/thrift/TEDFIDialog.h"
 #include "dialogs/thrift/TESAMLDialog.h"
@@ -253,6 +255,9 @@ std::intptr_t QuillConfigurationDialog::ActionProc(IDialogWindow* in_window, std
             case IDC_SERVICE_DISCOVERY_OPTIONS:
                 dialog.OpenServiceDiscoveryOptions();
                 break;
+            case IDC_SSL_OPTIONS:
+                dialog.OpenSslOptions();
+                break;
             case IDC_PROXY_OPTIONS:
                 DriverSupport::DSProxyConfigurationDialog::Show(in_window,
                                                                 &dialog.m_configuration.GetProxyConfiguration());
@@ -272,7 +277,6 @@ std::intptr_t QuillConfigurationDialog::ActionProc(IDialogWindow* in_window, std
                     .Show(in_window);
                 dialog.CheckEnableButtons();
                 break;
-            case IDC_SSL_OPTIONS:
             case IDC_LOGGING_OPTIONS:
                 dialog.ShowOptionsNotAvailable(id);
                 break;
@@ -557,6 +561,10 @@ void QuillConfigurationDialog::OnServerTypeChanged()
     else if (m_currentServerType == Tables::SERVER_SHARK || m_currentServerType == Tables::SERVER_DFI)
     {
         // Back from a server type that fixed the choices: the user's own again.
+        if (m_currentServerType == Tables::SERVER_DFI)
+        {
+            m_configuration.GetSSLConfiguration().LoadLastUserSelectedSslConfig();
+        }
         SelectServiceDiscoveryModeOnDialog(m_rememberedMode);
         SelectAuthMechOnDialog(m_currentAuthMech);
         FillTransports(selected, m_currentAuthMech, m_rememberedTransport);
@@ -716,12 +724,27 @@ void QuillConfigurationDialog::OpenServiceDiscoveryOptions()
             QuillZkDialog::Show(m_window, &m_configuration);
             break;
         case Tables::SD_AOSS:
-            ShowOptionsNotAvailable(IDC_SERVICE_DISCOVERY_OPTIONS);
+            QuillAOSSDialog::Show(m_window, &m_configuration, m_allowEditing);
             break;
         default:
             // No discovery, no options.
             break;
     }
+    CheckEnableButtons();
+}
+
+void QuillConfigurationDialog::OpenSslOptions()
+{
+    // DFI connects over HTTPS only: SSL is on and stays on. Every transport
+    // takes SSL (a TLS socket for Binary and SASL, HTTPS for HTTP), so the
+    // transport does not restrict it.
+    DriverSupport::DSSSLConfiguration& ssl = m_configuration.GetSSLConfiguration();
+    const bool dfi = GetSelectedServerTypeFromDlg() == Tables::SERVER_DFI;
+    if (dfi)
+    {
+        ssl.SetSsl(u"1", false);
+    }
+    DriverSupport::DSSSLDialog::Show(m_window, &ssl, m_allowEditing && !dfi);
     CheckEnableButtons();
 }
 

@@ -107,6 +107,9 @@ private:
     void OnServerTypeChanged();
     void OnAuthMechChanged();
     void OpenServiceDiscoveryOptions();
+    /// SSL Options over the driver's SSL settings; with DFI selected, SSL is
+    /// on and cannot be switched off.
+    void OpenSslOptions();
     /// The option buttons whose dialogs this build does not have.
     void ShowOptionsNotAvailable(int in_buttonId);
     /// The checks of OK in the DSN setup; false after a box has told the user

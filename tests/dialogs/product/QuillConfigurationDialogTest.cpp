@@ -411,9 +411,7 @@ TEST_F(QuillConfigurationDialogTest, OptionButtonsOpenTheirDialogsOrSayTheyAreNo
     Set(Keys::ServiceDiscoveryMode, u"ZooKeeper");
     m_configuration.GetCredentials().SetEncryptPwd(true);
     const std::pair<int, const char16_t*> later[] = {
-        {IDC_SSL_OPTIONS, u"SSL Options"},
         {IDC_LOGGING_OPTIONS, u"Logging Options"},
-        {IDC_SERVICE_DISCOVERY_OPTIONS, u"Service Discovery Options"},
     };
     Run(IDD_DSN_SETUP, [&](Window& w) {
         m_host.ExpectDialog(IDD_ZOOKEEPER_OPTIONS, [](Window& z) {

@@ -252,3 +252,119 @@ TEST_F(DriverConfigGuiTest, AnHttpHeaderWithAnEmptyValueIsStoredWithThePath)
     EXPECT_EQ(stored.at(u"HTTPPath"), u"gui/cliservice");
     Platform::SettingsStoreFactory::OpenDriverStore(m_location)->DeleteValue(storedName);
 }
+
+namespace
+{
+/// The visible dialog with the title owned by the process, after the command
+/// was posted to in_owner (posted: the dialog runs its own modal loop).
+HWND OpenFrom(HWND in_owner, int in_command, const std::wstring& in_title, DWORD in_processId)
+{
+    ::PostMessageW(in_owner, WM_COMMAND, MAKEWPARAM(in_command, BN_CLICKED), 0);
+    return GuiDriver::WaitForDialog(in_title, in_processId, std::chrono::seconds(30));
+}
+
+/// Types the path into the open-file box and presses its Open button.
+bool ChooseFile(HWND in_box, const std::wstring& in_path)
+{
+    // The file name field is the box's one editable field (on its own or
+    // inside the file name combo, depending on the system's version).
+    struct Search
+    {
+        HWND field = nullptr;
+        std::wstring seen;
+    } search;
+    ::EnumChildWindows(
+        in_box,
+        [](HWND in_child, LPARAM in_search) -> BOOL {
+            auto& s = *reinterpret_cast<Search*>(in_search);
+            wchar_t name[64] = {};
+            ::GetClassNameW(in_child, name, 64);
+            s.seen += std::wstring(name) + L":" + std::to_wstring(::GetDlgCtrlID(in_child)) + L" ";
+            if (s.field == nullptr && ::lstrcmpiW(name, L"Edit") == 0 && ::IsWindowVisible(in_child))
+            {
+                s.field = in_child;
+            }
+            return TRUE;
+        },
+        reinterpret_cast<LPARAM>(&search));
+    EXPECT_NE(search.field, nullptr) << "no file name field among " << std::string(search.seen.begin(), search.seen.end());
+    if (search.field == nullptr)
+    {
+        GuiDriver::Click(in_box, IDCANCEL);
+        return false;
+    }
+    ::SendMessageW(search.field, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(in_path.c_str()));
+    GuiDriver::Click(in_box, IDOK);
+    return true;
+}
+}  // namespace
+
+TEST_F(DriverConfigGuiTest, SslAndAossOptionsWrittenThroughRealDialogsReachTheRegistry)
+{
+    wchar_t temp[MAX_PATH] = {};
+    ::GetTempPathW(MAX_PATH, temp);
+    const std::wstring caFile = std::wstring(temp) + L"tarni-gui-ca.pem";
+    {
+        HANDLE file = ::CreateFileW(caFile.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+        ASSERT_NE(file, INVALID_HANDLE_VALUE);
+        DWORD written = 0;
+        ::WriteFile(file, "-----BEGIN CERTIFICATE-----\n", 28, &written, nullptr);
+        ::CloseHandle(file);
+    }
+    {
+        auto store = Platform::SettingsStoreFactory::OpenDriverStore(m_location);
+        store->WriteValue(u"SSL", u"0");
+        store->WriteValue(u"UseSystemTrustStore", u"0");
+        store->WriteValue(u"Min_TLS", u"1.0");
+        store->WriteValue(u"ServiceDiscoveryMode", u"AOSS");
+        store->WriteValue(u"AOSS_AuthMech", u"0");
+    }
+    std::wstring chosenPath, tlsShown;
+    bool aossOkWithoutPassword = true;
+    const DWORD exitCode = RunProgram([&](HWND dialog) {
+        DWORD processId = 0;
+        ::GetWindowThreadProcessId(dialog, &processId);
+        HWND ssl = OpenFrom(dialog, IDC_SSL_OPTIONS, L"SSL Options", processId);
+        ASSERT_NE(ssl, nullptr);
+        GuiDriver::Click(ssl, IDC_SSL_ENABLE);
+        HWND open = OpenFrom(ssl, IDC_SSL_BROWSE_TRUSTED_CERTS, L"Open", processId);
+        ASSERT_NE(open, nullptr) << "no open-file box";
+        ChooseFile(open, caFile);
+        EXPECT_TRUE(GuiDriver::WaitForClose(open)) << "the open-file box stayed";
+        chosenPath = GuiDriver::Text(ssl, IDC_SSL_TRUSTED_CERTS);
+        tlsShown = GuiDriver::Text(ssl, IDC_SSL_MIN_TLS);
+        GuiDriver::Select(ssl, IDC_SSL_MIN_TLS, L"1.2");
+        GuiDriver::Click(ssl, IDOK);
+        GuiDriver::WaitForClose(ssl);
+
+        HWND aoss = OpenFrom(dialog, IDC_SERVICE_DISCOVERY_OPTIONS, L"AOSS Options", processId);
+        ASSERT_NE(aoss, nullptr);
+        GuiDriver::Select(aoss, IDC_AOSS_AUTH_MECH, L"User Name and Password");
+        GuiDriver::Type(aoss, IDC_AOSS_USER_NAME, L"watcher");
+        GuiDriver::Type(aoss, IDC_AOSS_PASSWORD, L"");  // an earlier run may have stored one
+        aossOkWithoutPassword = GuiDriver::Enabled(aoss, IDOK);
+        GuiDriver::Type(aoss, IDC_AOSS_PASSWORD, L"aoss-s3cret");
+        HWND password = OpenFrom(aoss, IDC_AOSS_PASSWORD_OPTIONS, L"Password Options", processId);
+        ASSERT_NE(password, nullptr);
+        GuiDriver::Click(password, IDC_PWD_CURRENT_USER_ONLY);
+        GuiDriver::Click(password, IDOK);
+        GuiDriver::WaitForClose(password);
+        GuiDriver::Click(aoss, IDOK);
+        GuiDriver::WaitForClose(aoss);
+        GuiDriver::Click(dialog, IDOK);
+    });
+    EXPECT_EQ(exitCode, 1u);
+    EXPECT_EQ(chosenPath, caFile);
+    EXPECT_EQ(tlsShown, L"1.0");
+    EXPECT_FALSE(aossOkWithoutPassword);
+    const Snapshot stored = Stored();
+    EXPECT_EQ(stored.at(u"SSL"), u"1");
+    EXPECT_EQ(std::wstring(stored.at(u"TrustedCerts").begin(), stored.at(u"TrustedCerts").end()), caFile);
+    EXPECT_EQ(stored.at(u"Min_TLS"), u"1.2");
+    EXPECT_EQ(stored.at(u"AOSS_AuthMech"), u"3");
+    EXPECT_EQ(stored.at(u"AOSS_UID"), u"watcher");
+    EXPECT_EQ(stored.count(u"AOSS_PWD"), 0u);
+    ASSERT_EQ(stored.count(u"AOSS_EncryptedPWD"), 1u);
+    EXPECT_EQ(stored.at(u"AOSS_EncryptedPWD").find(u"aoss-s3cret"), tarni_wstring::npos);
+    ::DeleteFileW(caFile.c_str());
+}

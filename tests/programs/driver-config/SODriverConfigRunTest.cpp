@@ -277,3 +277,51 @@ TEST_F(SODriverConfigRunTest, TheProxyIsStoredWithOnlyItsProtectedPasswordAndSho
     EXPECT_FALSE(after.at(u"ProxyEncryptedPWD").empty());
     EXPECT_EQ(after.count(u"ProxyPWD"), 0u);
 }
+
+TEST_F(SODriverConfigRunTest, SslAndAossOptionsOpenFromTheMainDialogAndTheStoreHoldsTheirValues)
+{
+    const auto settings = m_folder / "SparkODBC.did";
+    std::ofstream(settings) << "supported-service-discovery-modes=ZooKeeper,AOSS\n";
+    DSProductHelper::LoadProductSettings(StringConverter::FromUtf8(settings.string()));
+    const tarni_wstring caFile = StringConverter::FromUtf8((m_folder / "ca.pem").string());
+    std::ofstream(m_folder / "ca.pem") << "-----BEGIN CERTIFICATE-----\n";
+
+    m_host.ExpectDialog(IDD_DRIVER_CONFIG, [](ScriptedDialogWindow& w) {
+        w.Click(IDC_SSL_OPTIONS);
+        w.SelectCombo(IDC_SERVICE_DISCOVERY_MODE, u"AOSS");
+        w.Click(IDC_SERVICE_DISCOVERY_OPTIONS);
+        w.Click(IDOK);
+    });
+    m_host.ExpectDialog(IDD_SSL_OPTIONS_TWO_WAY, [](ScriptedDialogWindow& w) {
+        // The registry of the Windows run keeps the values of earlier runs.
+        if (!w.Checked(IDC_SSL_ENABLE)) w.Click(IDC_SSL_ENABLE);
+        if (w.Checked(IDC_SSL_USE_SYSTEM_TRUST_STORE)) w.Click(IDC_SSL_USE_SYSTEM_TRUST_STORE);
+        w.Click(IDC_SSL_BROWSE_TRUSTED_CERTS);
+        w.SelectCombo(IDC_SSL_MIN_TLS, u"1.2");
+        w.Click(IDOK);
+    });
+    m_host.ExpectOpenFile(caFile);
+    m_host.ExpectDialog(IDD_AOSS_OPTIONS, [](ScriptedDialogWindow& w) {
+        EXPECT_EQ(w.GetParent()->GetTemplateId(), static_cast<unsigned>(IDD_DRIVER_CONFIG));
+        w.SelectCombo(IDC_AOSS_AUTH_MECH, u"User Name and Password");
+        w.Type(IDC_AOSS_USER_NAME, u"watcher");
+        w.Type(IDC_AOSS_PASSWORD, u"aoss-s3cret");
+        w.Click(IDC_AOSS_PASSWORD_OPTIONS);
+        w.Click(IDOK);
+    });
+    m_host.ExpectDialog(IDD_PASSWORD_OPTIONS, [](ScriptedDialogWindow& w) {
+        w.Click(IDC_PWD_CURRENT_USER_ONLY);
+        w.Click(IDOK);
+    });
+    EXPECT_EQ(SODriverConfigRun::Run(m_host, m_options), 1);
+    const Snapshot stored = Stored();
+    EXPECT_EQ(stored.at(u"SSL"), u"1");
+    EXPECT_EQ(stored.at(u"TrustedCerts"), caFile);
+    EXPECT_EQ(stored.at(u"Min_TLS"), u"1.2");
+    EXPECT_EQ(stored.at(u"ServiceDiscoveryMode"), u"AOSS");
+    EXPECT_EQ(stored.at(u"AOSS_AuthMech"), u"3");
+    EXPECT_EQ(stored.at(u"AOSS_UID"), u"watcher");
+    EXPECT_EQ(stored.count(u"AOSS_PWD"), 0u) << "a plain password never reaches the store";
+    ASSERT_EQ(stored.count(u"AOSS_EncryptedPWD"), 1u);
+    EXPECT_EQ(stored.at(u"AOSS_EncryptedPWD").find(u"aoss-s3cret"), tarni_wstring::npos);
+}

@@ -656,3 +656,95 @@ TEST_F(DriverConfigTerminalTest, DfiAndSamlOptionsOfTheDfiServerTypeWithTheKeybo
     ExpectTerminalRestored();
 }
 }  // namespace Tarni::Testing
+
+namespace Tarni::Testing
+{
+TEST_F(DriverConfigTerminalTest, SslAndAossOptionsWithTheKeyboardReachTheStore)
+{
+    Start("[Driver]\nSparkServerType=3\nServiceDiscoveryMode=AOSS\nSSL=0\nUseSystemTrustStore=0\nMin_TLS=1.0\n",
+          "supported-service-discovery-modes=ZooKeeper,AOSS\n");
+    const std::string caFile = (m_folder / "ca.pem").string();
+    std::ofstream(caFile) << "-----BEGIN CERTIFICATE-----\n";
+
+    // SSL Options: the focus starts on "Enable SSL".
+    FocusButton("SSL Options...");
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitForText("[ ] Enable SSL")) << m_session->Screen();
+    EXPECT_NE(m_session->Screen().find("Client Certificate File:"), std::string::npos) << "the two-way variant";
+    m_session->Key("Space");
+    ASSERT_TRUE(m_session->WaitForText("[x] Enable SSL")) << m_session->Screen();
+
+    // Browse: the path prompt takes an existing file only.
+    FocusButton("Browse...");
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitForText("Tab: complete")) << m_session->Screen();
+    m_session->Key("C-u");
+    m_session->Type((m_folder / "missing.pem").string());
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitForText("The file does not exist.")) << m_session->Screen();
+    m_session->Key("C-u");
+    m_session->Type(caFile);
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitFor([](const std::string& s) { return s.find("Tab: complete") == std::string::npos; }))
+        << m_session->Screen();
+
+    // Minimum TLS Version: from 1.0 two entries down.
+    for (int i = 0; i < 20 && LastLine(m_session->Screen()).rfind(" Space: open list", 0) != 0; ++i)
+    {
+        m_session->Key("Tab");
+    }
+    EXPECT_NE(m_session->LineWith("Minimum TLS Version:").find("[1.0"), std::string::npos) << m_session->Screen();
+    m_session->Key("Space");
+    ASSERT_TRUE(m_session->WaitForText("1.1")) << m_session->Screen();
+    m_session->Key("Down");
+    m_session->Key("Down");
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitFor([](const std::string& s) { return s.find("1.1") == std::string::npos; }));
+    EXPECT_NE(m_session->LineWith("Minimum TLS Version:").find("[1.2"), std::string::npos) << m_session->Screen();
+    m_session->Key("Enter");  // OK, the default button
+    ASSERT_TRUE(m_session->WaitFor([](const std::string& s) { return s.find("Enable SSL") == std::string::npos; }));
+
+    // AOSS Options: OK stays dim until user name and password are typed.
+    FocusButton("Service Discovery Options...");
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitForText("Status Endpoint Authentication:")) << m_session->Screen();
+    m_session->Key("Space");
+    ASSERT_TRUE(m_session->WaitForText("User Name and Password")) << m_session->Screen();
+    m_session->Key("Down");
+    m_session->Key("Enter");
+    auto okDim = [this]() { return m_session->LineWith("<< OK >>", true).find("\x1b[2m<< OK") != std::string::npos; };
+    ASSERT_TRUE(m_session->WaitFor([&](const std::string&) { return okDim(); }, true)) << m_session->Screen(true);
+    m_session->Key("Tab");
+    m_session->Type("watcher");
+    m_session->Key("Tab");
+    m_session->Type("aoss-s3cret");
+    ASSERT_TRUE(m_session->WaitForText("[***********")) << m_session->Screen();
+    EXPECT_EQ(m_session->Screen().find("aoss-s3cret"), std::string::npos);
+    EXPECT_FALSE(okDim());
+    FocusButton("Password Options...");
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitForText("Current User Only")) << m_session->Screen();
+    m_session->Key("Space");
+    ASSERT_TRUE(m_session->WaitForText("(*) Current User Only")) << m_session->Screen();
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitFor([](const std::string& s) { return s.find("Current User Only") == std::string::npos; }));
+    FocusButton("OK");
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitFor([](const std::string& s) {
+        return s.find("Status Endpoint Authentication:") == std::string::npos;
+    }));
+
+    FocusButton("OK");
+    m_session->Key("Enter");
+    EXPECT_EQ(Finish(), 1);
+    const std::string ini = Ini();
+    for (const std::string& line : std::vector<std::string>{"SSL=1\n", "TrustedCerts=" + caFile + "\n", "Min_TLS=1.2\n", "AOSS_AuthMech=3\n",
+                                   "AOSS_UID=watcher\n", "AOSS_EncryptedPWD="})
+    {
+        EXPECT_NE(ini.find(line), std::string::npos) << line << ini;
+    }
+    EXPECT_EQ(ini.find("AOSS_PWD"), std::string::npos) << ini;
+    EXPECT_EQ(ini.find("aoss-s3cret"), std::string::npos) << ini;
+    ExpectTerminalRestored();
+}
+}  // namespace Tarni::Testing

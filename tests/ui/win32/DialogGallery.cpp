@@ -16,6 +16,8 @@
 #include "dialogs/driversupport/DSPasswordOptionsDialog.h"
 #include "dialogs/product/QuillAdvancedOptionsDialog.h"
 #include "dialogs/driversupport/DSProxyConfigurationDialog.h"
+#include "dialogs/driversupport/DSSSLDialog.h"
+#include "dialogs/product/QuillAOSSDialog.h"
 #include "dialogs/product/QuillConfigurationDialog.h"
 #include "dialogs/product/QuillServerSidePropertiesDialog.h"
 #include "dialogs/product/QuillTempTableDialog.h"
@@ -70,6 +72,12 @@ int main(int argc, char** argv)
     configuration.SetValue(DriverSupport::Keys::Auth_Client_ID, u"spark-odbc");
     configuration.SetValue(DriverSupport::Keys::OAuth2TokenEndPoint, u"https://login.example.com/oauth2/token");
     configuration.SetValue(DriverSupport::Keys::Auth_Scope, u"sql");
+    configuration.SetValue(DriverSupport::Keys::SSL, u"1");
+    // As installed, rather than the build folder the gallery runs from.
+    configuration.GetSSLConfiguration().SetTrustedCerts(u"C:\\Program Files\\Tarni\\Spark ODBC Driver\\cacerts.pem");
+    configuration.GetAOSSSSLConfiguration().SetTrustedCerts(u"C:\\Program Files\\Tarni\\Spark ODBC Driver\\cacerts.pem");
+    configuration.SetValue(DriverSupport::Keys::AOSS_AuthMech, u"3");
+    configuration.GetAOSSCredentials().SetUid(u"watcher");
 
     for (int i = 1; i < argc; ++i)
     {
@@ -152,6 +160,15 @@ int main(int argc, char** argv)
                 break;
             case IDD_OAUTH_OPTIONS:
                 DriverSupport::DSOAuthOptionsDialog::Show(nullptr, &configuration.GetOAuthConfiguration());
+                break;
+            case IDD_SSL_OPTIONS_TWO_WAY:
+                DriverSupport::DSSSLDialog::Show(nullptr, &configuration.GetSSLConfiguration(), true);
+                break;
+            case IDD_SSL_OPTIONS:
+                DriverSupport::DSSSLDialog::Show(nullptr, &configuration.GetAOSSSSLConfiguration(), true);
+                break;
+            case IDD_AOSS_OPTIONS:
+                SparkODBC::QuillAOSSDialog::Show(nullptr, &configuration, true);
                 break;
             default:
                 host.DialogBoxParam(id, nullptr, &Plain, 0);
