@@ -1,11 +1,15 @@
 #include "driversupport/DSProductHelper.h"
 
 #include <algorithm>
-#include <fstream>
+#include <cerrno>
+#include <cstdio>
 #include <sstream>
 
-#include "platform/ProcessEnvironment.h"
 #include "core/ErrorException.h"
+#include "core/ProductException.h"
+#include "platform/FileAccess.h"
+#include "platform/ProcessEnvironment.h"
+#include "platform/SystemError.h"
 #include "support/StringConverter.h"
 
 namespace Tarni::DriverSupport
@@ -53,30 +57,52 @@ tarni_wstring DSProductHelper::GetDefaultProductDataFilePath()
 void DSProductHelper::LoadProductSettings(const tarni_wstring& in_path)
 {
     std::map<tarni_wstring, tarni_wstring, Support::CaseInsensitiveLess> settings;
-    std::ifstream file(StringConverter::ToUtf8(in_path), std::ios::binary);
-    if (file)
+    // An absent file means "no settings"; one that is there but cannot be
+    // read (no permission, a folder) is an error of the product's own data.
+    std::string content;
+    if (std::FILE* file = Platform::FileAccess::Open(in_path, "rb"))
     {
-        std::string line;
-        unsigned long long lineNumber = 0;
-        while (std::getline(file, line))
+        char buffer[4096];
+        size_t count = 0;
+        while ((count = std::fread(buffer, 1, sizeof(buffer), file)) > 0)
         {
-            ++lineNumber;
-            const std::string trimmed = Trim(line);
-            if (trimmed.empty() || trimmed[0] == '#' || trimmed[0] == ';')
-            {
-                continue;
-            }
-            const size_t equals = trimmed.find('=');
-            if (equals == std::string::npos || Trim(trimmed.substr(0, equals)).empty() ||
-                !StringConverter::IsValidUtf8(trimmed))
-            {
-                throw Support::ErrorException(Support::DiagState::GeneralError, Support::DS_ERROR,
-                                              u"DSProductFileErr",
-                                              {in_path, StringConverter::FromNumber(lineNumber)});
-            }
-            settings[StringConverter::FromUtf8(Trim(trimmed.substr(0, equals)))] =
-                StringConverter::FromUtf8(Trim(trimmed.substr(equals + 1)));
+            content.append(buffer, count);
         }
+        const bool failed = std::ferror(file) != 0;
+        const int error = errno;
+        std::fclose(file);
+        if (failed)
+        {
+            throw Support::ProductException(
+                Support::LocalizableDiagnostic(Support::PRODUCT_ERROR, u"GetFileErr",
+                                               {in_path, Platform::SystemError::Text(error)}));
+        }
+    }
+    else if (errno != ENOENT)
+    {
+        throw Support::ProductException(Support::LocalizableDiagnostic(
+            Support::PRODUCT_ERROR, u"GetFileErr", {in_path, Platform::SystemError::Text(errno)}));
+    }
+    std::istringstream lines(content);
+    std::string line;
+    unsigned long long lineNumber = 0;
+    while (std::getline(lines, line))
+    {
+        ++lineNumber;
+        const std::string trimmed = Trim(line);
+        if (trimmed.empty() || trimmed[0] == '#' || trimmed[0] == ';')
+        {
+            continue;
+        }
+        const size_t equals = trimmed.find('=');
+        if (equals == std::string::npos || Trim(trimmed.substr(0, equals)).empty() ||
+            !StringConverter::IsValidUtf8(trimmed))
+        {
+            throw Support::ErrorException(Support::DiagState::GeneralError, Support::DS_ERROR, u"DSProductFileErr",
+                                          {in_path, StringConverter::FromNumber(lineNumber)});
+        }
+        settings[StringConverter::FromUtf8(Trim(trimmed.substr(0, equals)))] =
+            StringConverter::FromUtf8(Trim(trimmed.substr(equals + 1)));
     }
     std::lock_guard<std::recursive_mutex> guard(s_lock);
     s_settings = std::move(settings);

@@ -128,6 +128,15 @@ void DSUidPwdConfiguration::FinalizeBeforeSave()
     {
         m_map.Remove(encryptedKey);
     }
+    else if (m_recoveryError.has_value() && !m_map.Contains(plainKey))
+    {
+        if (m_logger != nullptr)
+        {
+            m_logger->LogWarning(NS, CLS, "FinalizeBeforeSave",
+                                 "The %s attribute could not be recovered and is saved as it was stored.",
+                                 U8(encryptedKey).c_str());
+        }
+    }
     else if (const auto plain = m_map.find(plainKey); plain != m_map.end())
     {
         // Protect before touching the map, so a failure leaves it as it was.
@@ -144,6 +153,7 @@ void DSUidPwdConfiguration::FinalizeBeforeSave()
 
 tarni_wstring DSUidPwdConfiguration::GetPwdNotSavedText() const
 {
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "GetPwdNotSavedText");
     const tarni_wstring plainKey = m_keys.Pwd();
     return u"The value of the " + plainKey +
            u" configuration is not being saved. To save an encrypted version of the " + plainKey +
@@ -168,16 +178,19 @@ void DSUidPwdConfiguration::ShowPwdNotSavedInfoMsg(DSMessageBoxHost& io_host) co
 
 tarni_wstring DSUidPwdConfiguration::GetUid() const
 {
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "GetUid");
     return m_map.GetValue(m_keys.Uid());
 }
 
 void DSUidPwdConfiguration::SetUid(tarni_wstring_view in_uid)
 {
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "SetUid");
     m_map.SetValue(m_keys.Uid(), in_uid);
 }
 
 tarni_wstring DSUidPwdConfiguration::GetPwd() const
 {
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "GetPwd");
     if (m_map.Contains(m_keys.Pwd()))
     {
         return m_map.GetValue(m_keys.Pwd());
@@ -191,7 +204,95 @@ tarni_wstring DSUidPwdConfiguration::GetPwd() const
 
 void DSUidPwdConfiguration::SetPwd(tarni_wstring_view in_pwd)
 {
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "SetPwd");
+    if (m_recoveryError.has_value())
+    {
+        if (in_pwd.empty())
+        {
+            // An untouched, empty field over a value that could not be
+            // recovered: nothing was typed, so the stored value stays.
+            return;
+        }
+        if (m_logger != nullptr)
+        {
+            m_logger->LogInfo(NS, CLS, "SetPwd", "A new value replaces the %s attribute that could not be recovered.",
+                              U8(m_keys.EncryptedPwd()).c_str());
+        }
+        m_recoveryError.reset();
+    }
     m_map.SetValue(m_keys.Pwd(), in_pwd);
+}
+
+bool DSUidPwdConfiguration::IsEncryptPwd() const
+{
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "IsEncryptPwd");
+    return m_encryptPwd;
+}
+
+void DSUidPwdConfiguration::SetEncryptPwd(bool in_encrypt)
+{
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "SetEncryptPwd");
+    m_encryptPwd = in_encrypt;
+}
+
+bool DSUidPwdConfiguration::IsDPAPIEncryptForAllUsers() const
+{
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "IsDPAPIEncryptForAllUsers");
+    return m_encryptForAllUsers;
+}
+
+void DSUidPwdConfiguration::SetDPAPIEncryptForAllUsers(bool in_allUsers)
+{
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "SetDPAPIEncryptForAllUsers");
+    m_encryptForAllUsers = in_allUsers;
+}
+
+void DSUidPwdConfiguration::SetPwdOptional()
+{
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "SetPwdOptional");
+    m_pwdOptional = true;
+}
+
+bool DSUidPwdConfiguration::IsPwdOptional() const
+{
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "IsPwdOptional");
+    return m_pwdOptional;
+}
+
+const std::optional<Support::ErrorException>& DSUidPwdConfiguration::GetRecoveryError() const
+{
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "GetRecoveryError");
+    return m_recoveryError;
+}
+
+unsigned DSUidPwdConfiguration::GetConfigType() const
+{
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "GetConfigType");
+    return m_configType;
+}
+
+const tarni_wstring& DSUidPwdConfiguration::GetParentDlgName() const
+{
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "GetParentDlgName");
+    return m_parentDlgName;
+}
+
+void DSUidPwdConfiguration::SetParentDlgName(tarni_wstring_view in_name)
+{
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "SetParentDlgName");
+    m_parentDlgName = tarni_wstring(in_name);
+}
+
+const tarni_wstring& DSUidPwdConfiguration::GetPasswordOptionsButtonName() const
+{
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "GetPasswordOptionsButtonName");
+    return m_passwordOptionsButtonName;
+}
+
+void DSUidPwdConfiguration::SetPasswordOptionsButtonName(tarni_wstring_view in_name)
+{
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "SetPasswordOptionsButtonName");
+    m_passwordOptionsButtonName = tarni_wstring(in_name);
 }
 
 void DSUidPwdConfiguration::SetEncryptionOptionsEnabled(bool in_enabled)

@@ -48,26 +48,30 @@ public:
     /// The plain password; when its key is absent, the fallback key set's
     /// plain password (if one is linked); else empty.
     tarni_wstring GetPwd() const;
+    /// Sets the plain password. While the stored protected value could not be
+    /// recovered, an empty password means "unchanged": the protected value is
+    /// kept exactly as stored. A non-empty one replaces it.
     void SetPwd(tarni_wstring_view in_pwd);
 
-    bool IsEncryptPwd() const { return m_encryptPwd; }
-    void SetEncryptPwd(bool in_encrypt) { m_encryptPwd = in_encrypt; }
-    bool IsDPAPIEncryptForAllUsers() const { return m_encryptForAllUsers; }
-    void SetDPAPIEncryptForAllUsers(bool in_allUsers) { m_encryptForAllUsers = in_allUsers; }
-    void SetPwdOptional() { m_pwdOptional = true; }
-    bool IsPwdOptional() const { return m_pwdOptional; }
+    bool IsEncryptPwd() const;
+    void SetEncryptPwd(bool in_encrypt);
+    bool IsDPAPIEncryptForAllUsers() const;
+    void SetDPAPIEncryptForAllUsers(bool in_allUsers);
+    void SetPwdOptional();
+    bool IsPwdOptional() const;
 
     /// The error of the last load when the protected value could not be
-    /// recovered (the value is then kept as stored); nothing otherwise.
-    const std::optional<Support::ErrorException>& GetRecoveryError() const { return m_recoveryError; }
-    unsigned GetConfigType() const { return m_configType; }
+    /// recovered (the value is then kept as stored until a new secret is
+    /// set); nothing otherwise.
+    const std::optional<Support::ErrorException>& GetRecoveryError() const;
+    unsigned GetConfigType() const;
     const DSUidPwdKeySet& GetKeySet() const { return m_keys; }
     Support::ILogger* GetLog() const { return m_logger; }
 
-    const tarni_wstring& GetParentDlgName() const { return m_parentDlgName; }
-    void SetParentDlgName(tarni_wstring_view in_name) { m_parentDlgName = tarni_wstring(in_name); }
-    const tarni_wstring& GetPasswordOptionsButtonName() const { return m_passwordOptionsButtonName; }
-    void SetPasswordOptionsButtonName(tarni_wstring_view in_name) { m_passwordOptionsButtonName = tarni_wstring(in_name); }
+    const tarni_wstring& GetParentDlgName() const;
+    void SetParentDlgName(tarni_wstring_view in_name);
+    const tarni_wstring& GetPasswordOptionsButtonName() const;
+    void SetPasswordOptionsButtonName(tarni_wstring_view in_name);
 
     /// Process-wide switches, set once at start-up.
     static void SetEncryptionOptionsEnabled(bool in_enabled);

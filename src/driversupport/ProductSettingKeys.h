@@ -25,4 +25,8 @@ inline constexpr tarni_wstring_view DriverName = u"driver-name";
 inline constexpr tarni_wstring_view ProductName = u"product-name";
 inline constexpr tarni_wstring_view VendorName = u"vendor-name";
 inline constexpr tarni_wstring_view VersionNumber = u"version-number";
+/// The environment variable that may name the driver's INI file.
+inline constexpr tarni_wstring_view IniEnvironmentVariable = u"ini-environment-variable";
+/// The file name of the per-user INI file in the home folder.
+inline constexpr tarni_wstring_view UserIniFileName = u"user-ini-file-name";
 }  // namespace Tarni::DriverSupport::ProductSettingKeys

@@ -88,6 +88,10 @@ void QDCConfiguration::Save()
         DriverSupport::DSProductHelper::IsSettingOne(DriverSupport::ProductSettingKeys::SupressServiceDiscovery);
     // What the store holds now, to find secrets that must leave it.
     const std::vector<Platform::StoredValue> present = m_store.ReadAll();
+    // Finalising turns typed secrets into their protected forms; a failed
+    // save puts the map back as it was, so the dialog that is still open
+    // keeps what the user typed and a later save starts from it again.
+    const DriverSupport::ConfigurationMap before = m_map;
     m_store.BeginUpdate();
     try
     {
@@ -118,6 +122,7 @@ void QDCConfiguration::Save()
     catch (const Support::ErrorException& e)
     {
         m_store.AbortUpdate();
+        m_map = before;
         if (m_logger != nullptr)
         {
             m_logger->LogError(NS, CLS, "Save", e);
@@ -127,6 +132,7 @@ void QDCConfiguration::Save()
     catch (...)
     {
         m_store.AbortUpdate();
+        m_map = before;
         throw;
     }
 }

@@ -1,6 +1,7 @@
 #include "product/SOProductIdentity.h"
 
 #include "driversupport/DSProductHelper.h"
+#include "driversupport/ProductSettingKeys.h"
 
 namespace Tarni::SparkODBC
 {
@@ -15,9 +16,21 @@ void SOProductIdentity::Register()
     identity.iniEnvironmentVariable = u"SPARKINI";
     identity.userIniFileName = u".sparkodbc.ini";
     DriverSupport::DSProductHelper::SetProductIdentity(identity);
-    // The product settings may name the environment variable and the user's
-    // INI file; for this product they are the same two names, and the second
-    // registration keeps them.
+    // The product settings (found through the first registration) may name
+    // the environment variable and the user's INI file; the second
+    // registration takes them. For this product they are the same two names.
+    const tarni_wstring variable =
+        DriverSupport::DSProductHelper::GetSetting(DriverSupport::ProductSettingKeys::IniEnvironmentVariable);
+    const tarni_wstring userFile =
+        DriverSupport::DSProductHelper::GetSetting(DriverSupport::ProductSettingKeys::UserIniFileName);
+    if (!variable.empty())
+    {
+        identity.iniEnvironmentVariable = variable;
+    }
+    if (!userFile.empty())
+    {
+        identity.userIniFileName = userFile;
+    }
     DriverSupport::DSProductHelper::SetProductIdentity(identity);
 }
 }  // namespace Tarni::SparkODBC

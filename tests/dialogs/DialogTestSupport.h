@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "dialogs/framework/DSDialogModule.h"
+#include "ui/IDialogHost.h"
 #include "ui/scripted/ScriptedDialogHost.h"
 #include "core/ErrorException.h"
 #include "core/ILogger.h"
@@ -68,5 +69,46 @@ protected:
 
     Platform::ScriptedDialogHost m_host;
     RecordingLogger m_logger;
+};
+
+using Platform::DialogProcedure;
+using Platform::DialogRect;
+using Platform::FileChooserOptions;
+using Platform::IDialogHost;
+using Platform::IDialogWindow;
+
+// A host that forwards to the scripted one and records the buffer sizes of
+// the string loads.
+class CountingHost : public IDialogHost
+{
+public:
+    explicit CountingHost(IDialogHost& in_inner) : m_inner(in_inner) {}
+    std::intptr_t DialogBoxParam(unsigned a, IDialogWindow* b, DialogProcedure c, std::intptr_t d) override
+    {
+        return m_inner.DialogBoxParam(a, b, c, d);
+    }
+    int LoadString(unsigned in_id, char16_t* out_buffer, int in_chars) override
+    {
+        sizes.push_back(in_chars);
+        return m_inner.LoadString(in_id, out_buffer, in_chars);
+    }
+    int MessageBox(IDialogWindow* a, tarni_wstring_view b, tarni_wstring_view c, std::uint32_t d) override
+    {
+        return m_inner.MessageBox(a, b, c, d);
+    }
+    DialogRect GetDesktopRect() override { return m_inner.GetDesktopRect(); }
+    bool SetWaitCursor() override { return m_inner.SetWaitCursor(); }
+    std::optional<tarni_wstring> GetOpenFileName(const FileChooserOptions& o) override { return m_inner.GetOpenFileName(o); }
+    std::optional<tarni_wstring> GetSaveFileName(const FileChooserOptions& o) override { return m_inner.GetSaveFileName(o); }
+    std::optional<tarni_wstring> BrowseForFolder(IDialogWindow* a, tarni_wstring_view b) override
+    {
+        return m_inner.BrowseForFolder(a, b);
+    }
+    std::optional<tarni_wstring> GetDocumentsFolder() override { return m_inner.GetDocumentsFolder(); }
+
+    std::vector<int> sizes;
+
+private:
+    IDialogHost& m_inner;
 };
 }  // namespace Tarni::Testing

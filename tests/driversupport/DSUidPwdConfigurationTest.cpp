@@ -130,10 +130,20 @@ TEST_F(CredentialModel, AValueThatCannotBeRecoveredIsReportedAndKeptAsStored)
     ASSERT_TRUE(credential->GetRecoveryError().has_value());
     EXPECT_EQ(u"DSDecryptError", credential->GetRecoveryError()->GetMessageKey());
     EXPECT_EQ(ConfigurationMap({{u"EncryptedPWD", stored}}), m_map);
-    // Kept as stored: the next save writes the protected value back unchanged.
+    // Kept as stored: the next save writes the protected value back
+    // unchanged, also after a dialog wrote its untouched, empty field.
     EXPECT_TRUE(credential->IsEncryptPwd());
+    credential->SetPwd(u"");
     credential->FinalizeBeforeSave();
     EXPECT_EQ(ConfigurationMap({{u"EncryptedPWD", stored}}), m_map);
+    EXPECT_TRUE(m_log.HasFragment("could not be recovered and is saved as it was stored"));
+
+    // A typed secret replaces it, and from then on an empty one is empty.
+    credential->SetPwd(u"new");
+    EXPECT_FALSE(credential->GetRecoveryError().has_value());
+    credential->FinalizeBeforeSave();
+    EXPECT_NE(stored, m_map.GetValue(u"EncryptedPWD"));
+    EXPECT_EQ(u"new", DSEncryptionUtils::Decrypt(m_map.GetValue(u"EncryptedPWD"), u"EncryptedPWD").value);
 }
 
 TEST_F(CredentialModel, FinalizeProtectsDropsOrKeepsAsTheFlagsAndSwitchSay)

@@ -4,6 +4,10 @@
 #include "product/SOConfigurationTables.h"
 #include "product/SOProductSettings.h"
 #include "core/ErrorException.h"
+#include "core/ProductException.h"
+#include "support/messages/DSIMessageManager.h"
+
+#include <filesystem>
 
 using namespace Tarni;
 using SparkODBC::SOProductSettings;
@@ -98,6 +102,28 @@ TEST_F(ProductSettings, MalformedProductFileNamesFileAndLine)
         ASSERT_EQ(2u, e.GetParameters().size());
         EXPECT_NE(std::u16string::npos, e.GetParameters()[0].find(u"SparkODBC.did"));
         EXPECT_EQ(u"4", e.GetParameters()[1]);
+    }
+}
+
+TEST_F(ProductSettings, AProductFileThatCannotBeReadIsAProductErrorWithItsText)
+{
+    // A folder where the file should be cannot be read (a missing file is
+    // only "no settings").
+    const auto folder = m_dir / "SparkODBC-folder.did";
+    std::filesystem::create_directories(folder);
+    const tarni_wstring path = Support::StringConverter::FromUtf8(folder.string());
+    try
+    {
+        DriverSupport::DSProductHelper::LoadProductSettings(path);
+        FAIL() << "a folder was read as the product file";
+    }
+    catch (const Support::ProductException& e)
+    {
+        EXPECT_EQ(u"GetFileErr", e.GetMessageKey());
+        EXPECT_EQ(Support::PRODUCT_ERROR, e.GetComponentId());
+        const tarni_wstring text = Support::DSIMessageManager::GetDisplayText(e);
+        EXPECT_NE(tarni_wstring::npos, text.find(u"Cannot read the product settings file \"" + path + u"\": "))
+            << Support::StringConverter::ToUtf8(text);
     }
 }
 

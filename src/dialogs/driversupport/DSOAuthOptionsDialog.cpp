@@ -1,5 +1,7 @@
 #include "dialogs/driversupport/DSOAuthOptionsDialog.h"
 
+#include "dialogs/driversupport/DSSSLDialog.h"
+
 #include "dialogs/driversupport/DSPasswordOptionsDialog.h"
 #include "dialogs/framework/DSDialogMessageBoxHost.h"
 #include "driversupport/ConfigurationKeys.h"
@@ -52,8 +54,6 @@ const std::pair<int, Field> FLOW_CONTROLS[] = {
     {IDC_OAUTH_WINDOW_HEIGHT, DSOAuthConfiguration::FIELD_WINDOW_SIZE},
     {IDC_OAUTH_TOKEN_CACHE, DSOAuthConfiguration::FIELD_TOKEN_CACHE},
 };
-
-DSOAuthOptionsDialog::SSLOptionsOpener s_sslOptionsOpener = nullptr;
 
 Support::ILogger* LoggerOf(IDialogWindow* in_window)
 {
@@ -175,7 +175,7 @@ void DSOAuthOptionsDialog::CheckEnableButtons(IDialogWindow* in_window)
     {
         in_window->EnableItem(id, flow && DSOAuthConfiguration::FlowUses(*flow, field));
     }
-    in_window->EnableItem(IDC_OAUTH_SSL_OPTIONS, s_sslOptionsOpener != nullptr);
+    in_window->EnableItem(IDC_OAUTH_SSL_OPTIONS, true);
 }
 
 void DSOAuthOptionsDialog::DoOkAction(IDialogWindow* in_window)
@@ -263,14 +263,8 @@ void DSOAuthOptionsDialog::DoSSLOptionsAction(IDialogWindow* in_window)
 {
     auto* configuration = GetInputMap<DSOAuthConfiguration>(in_window);
     TARNI_LOG_ENTRY(configuration->GetLog(), NS, CLS, "DoSSLOptionsAction");
-    if (s_sslOptionsOpener != nullptr)
-    {
-        s_sslOptionsOpener(in_window, &configuration->GetSSLConfiguration());
-    }
-}
-
-void DSOAuthOptionsDialog::SetSSLOptionsOpener(SSLOptionsOpener in_opener)
-{
-    s_sslOptionsOpener = in_opener;
+    // The identity provider's end points: the one-way variant over their own
+    // "OAuth_" settings; SSL itself may be switched.
+    DSSSLDialog::Show(in_window, &configuration->GetSSLConfiguration(), true);
 }
 }  // namespace Tarni::DriverSupport

@@ -28,13 +28,7 @@ public:
     static void DoCancelAction(Platform::IDialogWindow* in_window);
     /// Password Options over the client secret; the access token shares the choice.
     static void DoEncryptionOptionsAction(Platform::IDialogWindow* in_window);
-    /// SSL Options over the end points' own SSL settings, through the opener.
+    /// SSL Options over the end points' own SSL settings.
     static void DoSSLOptionsAction(Platform::IDialogWindow* in_window);
-
-    /// Opens the SSL Options dialog over an SSL configuration; true after OK.
-    using SSLOptionsOpener = bool (*)(Platform::IDialogWindow* in_parent, DSSSLConfiguration* in_configuration);
-    /// The SSL Options dialog lives beside this one and is connected by the
-    /// program; without an opener "SSL Options..." stays disabled.
-    static void SetSSLOptionsOpener(SSLOptionsOpener in_opener);
 };
 }  // namespace Tarni::DriverSupport

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "dialogs/framework/DSDialogMessageBoxHost.h"
+#include "dialogs/framework/DSDialogModule.h"
 #include "dialogs/framework/DSMessageCatalogue.h"
 #include "dialogs/driversupport/DSHttpPropertiesDialog.h"
 #include "dialogs/driversupport/DSOAuthOptionsDialog.h"
@@ -332,6 +333,40 @@ void QuillConfigurationDialog::Initialize(IDialogWindow* in_window)
     const tarni_wstring bitness = LoadResourceString(sizeof(void*) == 8 ? IDS_BITNESS_64 : IDS_BITNESS_32);
     SetControlText(IDC_VERSION_LABEL, u"v" + DSProductHelper::GetProductIdentity().version + bitness);
     CheckEnableButtons();
+    WarnAboutUnrecoveredSecrets();
+}
+
+void QuillConfigurationDialog::WarnAboutUnrecoveredSecrets()
+{
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "WarnAboutUnrecoveredSecrets");
+    if (m_recoveryWarningShown)
+    {
+        return;
+    }
+    tarni_wstring lines;
+    for (const DriverSupport::DSUidPwdConfiguration* credential : m_configuration.GetCredentialComponents())
+    {
+        if (const auto& error = credential->GetRecoveryError())
+        {
+            // The key and why; never the value.
+            lines += u"\r\n" + credential->GetKeySet().EncryptedPwd() + u": " +
+                     DriverSupport::DSDialogModule::GetErrorText(*error) + u"\r\n";
+        }
+    }
+    if (lines.empty())
+    {
+        return;
+    }
+    m_recoveryWarningShown = true;
+    if (m_logger != nullptr)
+    {
+        m_logger->LogWarning(NS, CLS, "WarnAboutUnrecoveredSecrets",
+                             "Stored secrets that could not be recovered are kept as stored; the user is told.");
+    }
+    m_window->GetHost().MessageBox(m_window,
+                                   LoadResourceString(IDS_SECRET_NOT_RECOVERED_TEXT) + lines +
+                                       LoadResourceString(IDS_SECRET_NOT_RECOVERED_HINT),
+                                   LoadResourceString(IDS_SECRET_NOT_RECOVERED_TITLE), MB_OK | MB_ICONEXCLAMATION);
 }
 
 bool QuillConfigurationDialog::IsOffered(unsigned in_authMech) const

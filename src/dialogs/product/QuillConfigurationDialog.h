@@ -49,8 +49,9 @@ public:
     bool IsAllowEditing() const { return m_allowEditing; }
     /// Whether the data source name may be changed: set for a new DSN (set by default).
     void SetDsnNameEditable(bool in_editable) { m_dsnNameEditable = in_editable; }
-    /// The save step of OK. The driver-wide run has none: the configuration
-    /// run saves after the dialog has ended with a non-zero result.
+    /// The save step of OK: the configuration's save, with the dialog window
+    /// as the owner of any error box. A failed save keeps the dialog open
+    /// with every input, so the user can correct the cause or cancel.
     void SetSaveAction(SaveAction in_action) { m_saveAction = std::move(in_action); }
     /// Who attempts the connection of the Test button; null (the default): a
     /// build without connection testing, which the Test Results dialog says.
@@ -110,6 +111,9 @@ private:
     /// SSL Options over the driver's SSL settings; with DFI selected, SSL is
     /// on and cannot be switched off.
     void OpenSslOptions();
+    /// Tells the user, once per dialog, which stored secrets could not be
+    /// recovered and that they are kept as stored.
+    void WarnAboutUnrecoveredSecrets();
     /// The option buttons whose dialogs this build does not have.
     void ShowOptionsNotAvailable(int in_buttonId);
     /// The checks of OK in the DSN setup; false after a box has told the user
@@ -134,6 +138,7 @@ private:
     bool m_allowEditing = true;
     bool m_isUpdating = false;
     bool m_samlOffered = false;
+    bool m_recoveryWarningShown = false;
     std::map<int, bool> m_enabledControls;
 
     SaveAction m_saveAction;

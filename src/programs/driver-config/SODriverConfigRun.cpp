@@ -8,15 +8,18 @@
 #include "driversupport/DSServerSidePropertyGroup.h"
 #include "driversupport/DSUidPwdConfiguration.h"
 #include "driversupport/ProductSettingKeys.h"
+#include "platform/InitializePlatform.h"
 #include "platform/SettingsStoreFactory.h"
 #include "product/QDCConfiguration.h"
 #include "product/SOProductIdentity.h"
 #include "resource.h"
 #include "core/ErrorException.h"
 #include "support/TarniSettingReader.h"
+#include "support/StringConverter.h"
 #include "support/TarniSettingStoreScope.h"
 #include "support/log/DriverLog.h"
 #include "support/messages/DSIMessageManager.h"
+#include "support/trace/TarniTrace.h"
 
 namespace Tarni::SparkODBC
 {
@@ -41,6 +44,17 @@ void ConnectMessageCatalogue()
         });
 }
 
+// Platform::InitializePlatform for the user-interface thread (no reserved
+// value, a single-threaded apartment) and its undoing on every way out.
+class PlatformScope
+{
+public:
+    PlatformScope() { Platform::InitializePlatform(0, Platform::PLATFORM_APARTMENT_SINGLE_THREADED); }
+    ~PlatformScope() { Platform::UninitializePlatform(); }
+    PlatformScope(const PlatformScope&) = delete;
+    PlatformScope& operator=(const PlatformScope&) = delete;
+};
+
 void DisconnectMessageCatalogue()
 {
     DriverSupport::DSMessageCatalogue::SetLookup(nullptr);
@@ -54,6 +68,13 @@ SODriverConfigRun::Options::Options()
       createLogger([](const tarni_wstring& in_fileName) -> std::unique_ptr<Support::ILogger> {
           // The driver's logging settings (LogLevel, LogPath, ...) come from the store.
           return std::make_unique<Support::DriverLog>(in_fileName);
+      }),
+      openStore([](const tarni_wstring& in_iniPath) {
+          return Platform::SettingsStoreFactory::OpenDriverStore(DSProductHelper::GetDriverStoreLocation(in_iniPath));
+      }),
+      setTraceLocation([](const tarni_wstring& in_location) {
+          // Every decorated line of the low-level trace names the product.
+          Support::tarni_trace_set_tag(Support::StringConverter::ToUtf8(in_location).c_str());
       })
 {
 }
@@ -85,27 +106,30 @@ int SODriverConfigRun::Run(Platform::IDialogHost& io_host, const Options& in_opt
     DriverSupport::DSDialogModule::SetHost(&io_host);
     DriverSupport::DSDialogModule::SetApplicationId(APPLICATION_ID);
 
-    // 2. - 4. Product identity, trace location, credential switches.
-    SOProductIdentity::Register();
-    if (in_options.setTraceLocation)
-    {
-        in_options.setTraceLocation(GetTraceLocation());
-    }
-    DriverSupport::DSUidPwdConfiguration::SetEncryptionOptionsEnabled(true);
-    DriverSupport::DSUidPwdConfiguration::SetDropPlainPasswordOnSave(true);
-
     // 5. The two prefixed property groups.
     DriverSupport::DSServerSidePropertyGroup serverSideProperties;
     DriverSupport::DSPrefixedPropertyGroup httpHeaders("http.header.");
 
     ConnectMessageCatalogue();
+    // 6. The platform, before the log exists; the scope uninitialises it
+    // after the log is gone (it is declared first, so it ends last).
+    const PlatformScope platform;
     std::unique_ptr<Support::ILogger> logger;
     std::intptr_t result = 0;
     try
     {
+        // 2. - 4. Product identity (reading the product settings, which can
+        // fail), trace location, credential switches.
+        SOProductIdentity::Register();
+        if (in_options.setTraceLocation)
+        {
+            in_options.setTraceLocation(GetTraceLocation());
+        }
+        DriverSupport::DSUidPwdConfiguration::SetEncryptionOptionsEnabled(true);
+        DriverSupport::DSUidPwdConfiguration::SetDropPlainPasswordOnSave(true);
+
         // The driver-wide store: the log reads its settings from it.
-        auto store = Platform::SettingsStoreFactory::OpenDriverStore(
-            DSProductHelper::GetDriverStoreLocation(in_options.iniPath));
+        auto store = in_options.openStore(in_options.iniPath);
         const Support::TarniSettingStoreScope storeScope(*store);
 
         // 6. The log, and the message catalogue that turns errors into text.
@@ -123,15 +147,21 @@ int SODriverConfigRun::Run(Platform::IDialogHost& io_host, const Options& in_opt
         QDCConfiguration configuration(serverSideProperties, httpHeaders, logger.get(), *store);
         configuration.Load();
 
-        // 8. The main dialog, modal, without an owner.
+        // 8. The main dialog, modal, without an owner. OK saves before the
+        // dialog ends, so a failed save leaves it open with the user's input.
+        bool saved = false;
         {
             QuillConfigurationDialog dialog(configuration, logger.get());
+            dialog.SetSaveAction([&](Platform::IDialogWindow*) {
+                configuration.Save();
+                saved = true;
+            });
             result = dialog.Show(nullptr, in_options.templateId);
         }
 
-        // 9. Save on any non-zero result: after OK, and after a dialog that could
-        // not be created (-1), which saves the configuration as it was loaded.
-        if (result != 0)
+        // 9. Save on any other non-zero result: a dialog that could not be
+        // created (-1) saves the configuration as it was loaded.
+        if (result != 0 && !saved)
         {
             configuration.Save();
         }

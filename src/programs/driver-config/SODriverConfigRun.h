@@ -1,14 +1,15 @@
 #pragma once
 // The configuration run of the dialog program, the same on every host: the
 // product identity, the trace location, the credential switches, the two
-// prefixed property groups, the log, the driver-wide configuration loaded
-// from the store, the main dialog shown modally, the save after a non-zero
-// result, and that result as the exit code (1 after OK, 0 after Cancel, -1
-// when the dialog cannot be created, which still saves the configuration
-// exactly as loaded).
+// prefixed property groups, the platform set-up, the log, the driver-wide
+// configuration loaded from the store, the main dialog shown modally (its OK
+// saves, and a failed save keeps it open), and its result as the exit code
+// (1 after OK, 0 after Cancel, -1 when the dialog cannot be created, which
+// still saves the configuration exactly as loaded).
 #include <functional>
 #include <memory>
 
+#include "platform/ISettingsStore.h"
 #include "ui/IDialogHost.h"
 #include "core/ILogger.h"
 
@@ -27,7 +28,11 @@ public:
         /// Creates the run's log from its file name, after the store is open;
         /// null: no log. By default a DriverLog with the driver's logging settings.
         std::function<std::unique_ptr<Support::ILogger>(const tarni_wstring& in_fileName)> createLogger;
-        /// Receives the trace location (brand "\" driver name).
+        /// Opens the driver-wide store from iniPath; by default the platform's
+        /// store (the registry key on Windows, the INI file on Linux).
+        std::function<std::unique_ptr<Platform::ISettingsStore>(const tarni_wstring& in_iniPath)> openStore;
+        /// Receives the trace location (brand "\" driver name); by default it
+        /// becomes the low-level trace's tag.
         std::function<void(const tarni_wstring& in_location)> setTraceLocation;
 
         Options();

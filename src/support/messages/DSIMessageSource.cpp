@@ -26,8 +26,12 @@ tarni_wstring WithoutTrailingSeparators(tarni_wstring in_path)
 
 DSIMessageSource::DSIMessageSource(ILogger* in_logger) : m_logger(in_logger), m_reader(in_logger)
 {
-    RegisterComponent(DSI_ERROR, u"DSIMessages", u"DSI");
-    RegisterComponent(SUPPORT_ERROR, u"SupportMessages", u"Support");
+    // The built-in components, then the driver's own.
+    RegisterComponent(DSI_ERROR, u"ODBCMessages", u"DSI");
+    RegisterComponent(SUPPORT_ERROR, u"CSCommonMessages", u"Support");
+    RegisterComponent(OLEDB_ERROR, u"OLEDBMessages", u"OLEDB");
+    RegisterComponent(SQLENGINE_ERROR, u"SQLEngineMessages", u"SQLEngine");
+    RegisterComponent(SERVER_ERROR, u"ServerMessages", u"Server");
     RegisterComponent(DS_ERROR, u"DSMessages", u"DriverSupport");
     RegisterComponent(TE_ERROR, u"TEMessages", u"ThriftExtension");
     RegisterComponent(PRODUCT_ERROR, u"QuillMessages", u"SparkODBC");

@@ -31,7 +31,6 @@ const std::pair<int, DSOAuthConfiguration::Field> FIELDS[] = {
     {IDC_OAUTH_TOKEN_CACHE, DSOAuthConfiguration::FIELD_TOKEN_CACHE},
 };
 
-DSSSLConfiguration* s_openedSsl = nullptr;
 
 class DSOAuthOptionsDialogTest : public Testing::DialogTest
 {
@@ -41,11 +40,6 @@ protected:
           m_token(m_map, &m_logger, 2, {u"", u"Auth_AccessToken", u"Auth_Encrypted_Access_Token", u""}),
           m_oauth(m_map, &m_logger, 2, m_secret, m_token)
     {
-    }
-    void TearDown() override
-    {
-        DSOAuthOptionsDialog::SetSSLOptionsOpener(nullptr);
-        DialogTest::TearDown();
     }
 
     DSOAuthConfiguration& OAuth() { return m_oauth; }
@@ -246,20 +240,18 @@ TEST_F(DSOAuthOptionsDialogTest, AnUnencryptedSecretOfTheFlowIsAnnounced)
 
 TEST_F(DSOAuthOptionsDialogTest, SslOptionsOpenOverTheEndPointsOwnSettings)
 {
-    s_openedSsl = nullptr;
-    DSOAuthOptionsDialog::SetSSLOptionsOpener([](IDialogWindow* in_parent, DSSSLConfiguration* in_ssl) {
-        EXPECT_EQ(in_parent->GetTemplateId(), static_cast<unsigned>(IDD_OAUTH_OPTIONS));
-        s_openedSsl = in_ssl;
-        in_ssl->SetTrustedCerts(u"/etc/idp-ca.pem");
-        return true;
-    });
     m_host.ExpectDialog(IDD_OAUTH_OPTIONS, [](ScriptedDialogWindow& w) {
         EXPECT_TRUE(w.Enabled(IDC_OAUTH_SSL_OPTIONS));
         w.Click(IDC_OAUTH_SSL_OPTIONS);
         w.Click(IDCANCEL);
     });
+    m_host.ExpectDialog(IDD_SSL_OPTIONS, [](ScriptedDialogWindow& w) {
+        EXPECT_EQ(w.GetParent()->GetTemplateId(), static_cast<unsigned>(IDD_OAUTH_OPTIONS));
+        if (!w.Checked(IDC_SSL_ENABLE)) w.Click(IDC_SSL_ENABLE);
+        w.Type(IDC_SSL_TRUSTED_CERTS, u"/etc/idp-ca.pem");
+        w.Click(IDOK);
+    });
     EXPECT_FALSE(Show());
-    EXPECT_EQ(s_openedSsl, &OAuth().GetSSLConfiguration());
     EXPECT_EQ(Get(u"OAuth_TrustedCerts"), u"/etc/idp-ca.pem");
     EXPECT_EQ(Get(Keys::TrustedCerts), u"") << "the driver's own SSL settings are not touched";
 }

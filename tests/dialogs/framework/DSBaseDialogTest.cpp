@@ -10,6 +10,7 @@
 using namespace Tarni;
 using namespace Tarni::Platform;
 using namespace Tarni::DriverSupport;
+using Tarni::Testing::CountingHost;
 using Tarni::Testing::DialogTest;
 
 namespace
@@ -36,47 +37,6 @@ std::intptr_t Plain(IDialogWindow* in_window, std::uint32_t in_message, std::uin
     }
     return 1;
 }
-
-// A host that forwards to the scripted one and records the buffer sizes of
-// the string loads.
-class CountingHost : public IDialogHost
-{
-public:
-    explicit CountingHost(IDialogHost& in_inner) : m_inner(in_inner) {}
-    std::intptr_t DialogBoxParam(unsigned a, IDialogWindow* b, DialogProcedure c, std::intptr_t d) override
-    {
-        return m_inner.DialogBoxParam(a, b, c, d);
-    }
-    int LoadString(unsigned in_id, char16_t* out_buffer, int in_chars) override
-    {
-        sizes.push_back(in_chars);
-        return m_inner.LoadString(in_id, out_buffer, in_chars);
-    }
-    int MessageBox(IDialogWindow* a, tarni_wstring_view b, tarni_wstring_view c, std::uint32_t d) override
-    {
-        return m_inner.MessageBox(a, b, c, d);
-    }
-    DialogRect GetDesktopRect() override { return m_inner.GetDesktopRect(); }
-    bool SetWaitCursor() override { return m_inner.SetWaitCursor(); }
-    std::optional<tarni_wstring> GetOpenFileName(const FileChooserOptions& o) override { return m_inner.GetOpenFileName(o); }
-    std::optional<tarni_wstring> GetSaveFileName(const FileChooserOptions& o) override { return m_inner.GetSaveFileName(o); }
-    std::optional<tarni_wstring> BrowseForFolder(IDialogWindow* a, tarni_wstring_view b) override
-    {
-        return m_inner.BrowseForFolder(a, b);
-    }
-    std::optional<tarni_wstring> GetDocumentsFolder() override { return m_inner.GetDocumentsFolder(); }
-
-    std::vector<int> sizes;
-
-private:
-    IDialogHost& m_inner;
-};
-
-class MainDialogLoader : public DSBaseDialog
-{
-public:
-    static tarni_wstring Load(unsigned in_id) { return LoadResourceStringInSteps(in_id, 256, u"Error loading the string"); }
-};
 
 class DSBaseDialogTest : public DialogTest
 {
@@ -161,20 +121,6 @@ TEST_F(DSBaseDialogTest, TheFrameworkLoaderGrowsIn2048StepsAndLoadsLongStringsWh
     EXPECT_EQ(counting.sizes, (std::vector<int>{2048, 4096, 6144}));
 
     EXPECT_EQ(DSBaseDialog::LoadResourceString(60003), u"Error loading the string.");
-    DSDialogModule::SetHost(&m_host);
-}
-
-TEST_F(DSBaseDialogTest, TheMainDialogLoaderGrowsIn256StepsAndHasNoFullStop)
-{
-    ResourceScript resources = ResourceScript::Embedded();
-    const tarni_wstring text(300, u'x');
-    resources.SetString(60004, text);
-    ScriptedDialogHost host(resources);
-    CountingHost counting(host);
-    DSDialogModule::SetHost(&counting);
-    EXPECT_EQ(MainDialogLoader::Load(60004), text);
-    EXPECT_EQ(counting.sizes, (std::vector<int>{256, 512}));
-    EXPECT_EQ(MainDialogLoader::Load(60005), u"Error loading the string");
     DSDialogModule::SetHost(&m_host);
 }
 

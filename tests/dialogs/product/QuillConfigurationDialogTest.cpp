@@ -581,4 +581,18 @@ TEST_F(QuillConfigurationDialogTest, AnErrorDuringTheTestPutsEverythingBackBefor
     EXPECT_EQ(boxes[1].caption, u"DSN Configuration Error");
     EXPECT_EQ(tester.calls, 1) << "no attempt without the wait cursor";
 }
+
+TEST_F(QuillConfigurationDialogTest, ItsStringLoaderGrowsIn256StepsAndHasNoFullStop)
+{
+    ResourceScript resources = ResourceScript::Embedded();
+    const tarni_wstring text(300, u'x');
+    resources.SetString(60004, text);
+    ScriptedDialogHost host(resources);
+    Testing::CountingHost counting(host);
+    DriverSupport::DSDialogModule::SetHost(&counting);
+    EXPECT_EQ(QuillConfigurationDialog::LoadResourceString(60004), text);
+    EXPECT_EQ(counting.sizes, (std::vector<int>{256, 512}));
+    EXPECT_EQ(QuillConfigurationDialog::LoadResourceString(60005), u"Error loading the string");
+    DriverSupport::DSDialogModule::SetHost(&m_host);
+}
 }  // namespace

@@ -9,6 +9,7 @@
 #include <cwctype>
 #include <map>
 
+#include "driversupport/DSEncryptionUtils.h"
 #include "driversupport/DSProductHelper.h"
 #include "platform/SettingsStoreFactory.h"
 #include "ui/win32/GuiDriver.h"
@@ -47,8 +48,10 @@ protected:
     }
 
     /// Starts the program, lets in_user act on its main dialog and returns
-    /// the exit code (or a failure).
-    DWORD RunProgram(const std::function<void(HWND)>& in_user)
+    /// the exit code (or a failure). in_first acts before the main dialog is
+    /// shown (on boxes its initialisation opens).
+    DWORD RunProgram(const std::function<void(HWND)>& in_user,
+                     const std::function<void(DWORD in_processId)>& in_first = {})
     {
         wchar_t self[MAX_PATH] = {};
         ::GetModuleFileNameW(nullptr, self, MAX_PATH);
@@ -64,6 +67,10 @@ protected:
         {
             ADD_FAILURE() << "cannot start " << std::string(program.begin(), program.end());
             return 9999;
+        }
+        if (in_first)
+        {
+            in_first(process.dwProcessId);
         }
         HWND dialog = GuiDriver::WaitForDialog(TITLE, process.dwProcessId);
         EXPECT_NE(dialog, nullptr) << "the main dialog did not appear";
@@ -367,4 +374,35 @@ TEST_F(DriverConfigGuiTest, SslAndAossOptionsWrittenThroughRealDialogsReachTheRe
     ASSERT_EQ(stored.count(u"AOSS_EncryptedPWD"), 1u);
     EXPECT_EQ(stored.at(u"AOSS_EncryptedPWD").find(u"aoss-s3cret"), tarni_wstring::npos);
     ::DeleteFileW(caFile.c_str());
+}
+
+TEST_F(DriverConfigGuiTest, AStoredPasswordThatCannotBeRecoveredSurvivesOkUntilANewOneIsTyped)
+{
+    // A protected password damaged in the registry (or written elsewhere).
+    tarni_wstring damaged = DriverSupport::DSEncryptionUtils::Encrypt(u"s3cret", false, u"EncryptedPWD");
+    damaged.pop_back();
+    {
+        auto store = Platform::SettingsStoreFactory::OpenDriverStore(m_location);
+        store->WriteValue(u"AuthMech", u"3");
+        store->WriteValue(u"EncryptedPWD", damaged);
+    }
+    const auto dismissWarning = [](DWORD in_processId) {
+        HWND box = GuiDriver::WaitForDialog(L"Stored Credentials Not Recovered", in_processId);
+        ASSERT_NE(box, nullptr) << "the warning box did not appear";
+        ::PostMessageW(box, WM_COMMAND, IDOK, 0);
+        EXPECT_TRUE(GuiDriver::WaitForClose(box));
+    };
+    EXPECT_EQ(RunProgram([](HWND dialog) { GuiDriver::Click(dialog, IDOK); }, dismissWarning), 1u);
+    EXPECT_EQ(Stored().at(u"EncryptedPWD"), damaged);
+
+    EXPECT_EQ(RunProgram(
+                  [](HWND dialog) {
+                      GuiDriver::Type(dialog, IDC_PASSWORD, L"n3w-pass");
+                      GuiDriver::Click(dialog, IDOK);
+                  },
+                  dismissWarning),
+              1u);
+    const tarni_wstring replaced = Stored().at(u"EncryptedPWD");
+    EXPECT_NE(replaced, damaged);
+    EXPECT_EQ(DriverSupport::DSEncryptionUtils::Decrypt(replaced, u"EncryptedPWD").value, u"n3w-pass");
 }

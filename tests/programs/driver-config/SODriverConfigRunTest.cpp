@@ -13,6 +13,8 @@
 #include <map>
 #include <optional>
 
+#include "common/MemorySettingsStore.h"
+#include "driversupport/DSEncryptionUtils.h"
 #include "driversupport/DSProductHelper.h"
 #include "platform/ProcessEnvironment.h"
 #include "platform/SettingsStoreFactory.h"
@@ -30,6 +32,26 @@ using Tarni::Support::StringConverter;
 namespace
 {
 using Snapshot = std::map<tarni_wstring, tarni_wstring>;
+
+// The run owns the store it opens; this one lends a test's store to it.
+class LentStore : public ISettingsStore
+{
+public:
+    explicit LentStore(ISettingsStore& in_store) : m_store(in_store) {}
+    tarni_wstring GetLocation() const override { return m_store.GetLocation(); }
+    std::vector<StoredValue> ReadAll() override { return m_store.ReadAll(); }
+    void WriteValue(tarni_wstring_view in_name, tarni_wstring_view in_value) override
+    {
+        m_store.WriteValue(in_name, in_value);
+    }
+    void DeleteValue(tarni_wstring_view in_name) override { m_store.DeleteValue(in_name); }
+    void BeginUpdate() override { m_store.BeginUpdate(); }
+    void CommitUpdate() override { m_store.CommitUpdate(); }
+    void AbortUpdate() override { m_store.AbortUpdate(); }
+
+private:
+    ISettingsStore& m_store;
+};
 
 class SODriverConfigRunTest : public ::testing::Test
 {
@@ -324,4 +346,71 @@ TEST_F(SODriverConfigRunTest, SslAndAossOptionsOpenFromTheMainDialogAndTheStoreH
     EXPECT_EQ(stored.count(u"AOSS_PWD"), 0u) << "a plain password never reaches the store";
     ASSERT_EQ(stored.count(u"AOSS_EncryptedPWD"), 1u);
     EXPECT_EQ(stored.at(u"AOSS_EncryptedPWD").find(u"aoss-s3cret"), tarni_wstring::npos);
+}
+
+TEST_F(SODriverConfigRunTest, AStoredSecretThatCannotBeRecoveredSurvivesOkUntilANewOneIsTyped)
+{
+    // A protected password that another machine wrote, or one digit changed.
+    tarni_wstring tampered = DriverSupport::DSEncryptionUtils::Encrypt(u"s3cret", false, u"EncryptedPWD");
+    tampered.back() = tampered.back() == u'0' ? u'1' : u'0';
+    tampered.pop_back();
+    {
+        auto store = SettingsStoreFactory::OpenDriverStore(DSProductHelper::GetDriverStoreLocation(m_options.iniPath));
+        store->BeginUpdate();
+        store->WriteValue(u"AuthMech", u"3");
+        store->WriteValue(u"UID", u"bob");
+        store->WriteValue(u"EncryptedPWD", tampered);
+        store->CommitUpdate();
+    }
+
+    // Opening tells once which value could not be recovered; OK with the
+    // password field untouched keeps the stored value byte for byte.
+    m_host.ExpectMessageBox(IDOK);
+    EXPECT_EQ(Run([](ScriptedDialogWindow& w) {
+                  EXPECT_EQ(w.Text(IDC_PASSWORD), u"");
+                  w.Click(IDOK);
+              }),
+              1);
+    ASSERT_EQ(m_host.GetMessageBoxes().size(), 1u);
+    const auto& box = m_host.GetMessageBoxes().front();
+    EXPECT_EQ(box.caption, u"Stored Credentials Not Recovered");
+    EXPECT_NE(box.text.find(u"EncryptedPWD: "), tarni_wstring::npos);
+    EXPECT_EQ(box.text.find(tampered), tarni_wstring::npos) << "the box names the key, never the value";
+    EXPECT_EQ(Stored()[u"EncryptedPWD"], tampered);
+
+    // A typed password replaces it (the box comes once more: the value is
+    // still the unrecoverable one when this run starts).
+    m_host.ExpectMessageBox(IDOK);
+    EXPECT_EQ(Run([](ScriptedDialogWindow& w) {
+                  w.Type(IDC_PASSWORD, u"n3w-pass");
+                  w.Click(IDOK);
+              }),
+              1);
+    const tarni_wstring replaced = Stored()[u"EncryptedPWD"];
+    EXPECT_NE(replaced, tampered);
+    EXPECT_EQ(DriverSupport::DSEncryptionUtils::Decrypt(replaced, u"EncryptedPWD").value, u"n3w-pass");
+}
+
+TEST_F(SODriverConfigRunTest, AFailedSaveKeepsTheDialogOpenAndALaterOkWritesTheInput)
+{
+    Testing::MemorySettingsStore memory;
+    memory.failOnWrite = u"KrbRealm";
+    m_options.openStore = [&memory](const tarni_wstring&) { return std::make_unique<LentStore>(memory); };
+    m_host.ExpectMessageBox(IDOK);
+    EXPECT_EQ(Run([&memory](ScriptedDialogWindow& w) {
+                  w.SelectCombo(IDC_AUTH_MECH, u"Kerberos");
+                  w.Type(IDC_KRB_REALM, u"EXAMPLE.COM");
+                  w.Click(IDOK);
+                  ASSERT_FALSE(w.IsEnded()) << "a failed save leaves the dialog open";
+                  EXPECT_EQ(w.Text(IDC_KRB_REALM), u"EXAMPLE.COM");
+                  memory.failOnWrite.clear();
+                  w.Click(IDOK);
+              }),
+              1);
+    ASSERT_EQ(m_host.GetMessageBoxes().size(), 1u);
+    EXPECT_EQ(m_host.GetMessageBoxes().front().caption, u"DSN Configuration Error");
+    EXPECT_EQ(m_host.GetMessageBoxes().front().ownerTemplate, static_cast<unsigned>(IDD_DRIVER_CONFIG));
+    ASSERT_NE(memory.Find(u"KrbRealm"), nullptr);
+    EXPECT_EQ(memory.Find(u"KrbRealm")->value, u"EXAMPLE.COM");
+    EXPECT_EQ(memory.Find(u"AuthMech")->value, u"1");
 }

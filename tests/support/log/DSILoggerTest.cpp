@@ -91,7 +91,7 @@ TEST(DSILogger, PassesAnExceptionFromTheSinkToTheCaller)
 TEST(DSILogger, LogsAnErrorExceptionWithTheTextOfTheCatalogue)
 {
     TarniTest::ScratchFolder folder;
-    TarniTest::WriteAll(folder / "en-US" / "SupportMessages.xml",
+    TarniTest::WriteAll(folder / "en-US" / "CSCommonMessages.xml",
                         "<Messages><Package ID='2' DefaultComponent='Support'>"
                         "<Error Key='LogTestErr' NativeErrorCode='9'>Cannot open %1%: %2%</Error>"
                         "</Package></Messages>");

@@ -28,8 +28,8 @@ constexpr int ANY_COMPONENT = -1;
 
 const std::map<std::string, int> COMPONENTS = {
     {"DSI", DSI_ERROR}, {"SUPPORT", SUPPORT_ERROR}, {"DS", DS_ERROR}, {"TE", TE_ERROR}, {"PRODUCT", PRODUCT_ERROR}};
-const std::map<int, std::string> FILES = {{DSI_ERROR, "DSIMessages"},
-                                          {SUPPORT_ERROR, "SupportMessages"},
+const std::map<int, std::string> FILES = {{DSI_ERROR, "ODBCMessages"},
+                                          {SUPPORT_ERROR, "CSCommonMessages"},
                                           {DS_ERROR, "DSMessages"},
                                           {TE_ERROR, "TEMessages"},
                                           {PRODUCT_ERROR, "QuillMessages"}};

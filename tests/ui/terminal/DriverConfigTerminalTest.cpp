@@ -220,6 +220,37 @@ TEST_F(DriverConfigTerminalTest, PasswordOptionsChooseTheScopeWithTheKeyboard)
     EXPECT_EQ(Ini().find("PWD"), std::string::npos);
 }
 
+TEST_F(DriverConfigTerminalTest, AStoredPasswordThatCannotBeRecoveredSurvivesOkUntilANewOneIsTyped)
+{
+    // Protected for a user whose key this one does not have.
+    const std::string stored = "AES256_USER:" + std::string(120, 'A');
+    const std::string ini = "[Driver]\nSparkServerType=3\nAuthMech=3\nUID=alice\nEncryptedPWD=" + stored + "\n";
+    Start(ini);
+    ASSERT_TRUE(m_session->WaitForText("Stored Credentials Not Recovered")) << m_session->Screen();
+    EXPECT_NE(m_session->Screen().find("EncryptedPWD"), std::string::npos) << m_session->Screen();
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitFor([](const std::string& s) { return s.find("Not Recovered") == std::string::npos; }));
+    m_session->Key("Enter");
+    EXPECT_EQ(Finish(), 1);
+    EXPECT_NE(Ini().find("EncryptedPWD=" + stored + "\n"), std::string::npos) << Ini();
+
+    // Typing a password replaces it, protected.
+    m_session.reset();
+    Start(Ini());
+    ASSERT_TRUE(m_session->WaitForText("Stored Credentials Not Recovered"));
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitFor([](const std::string& s) { return s.find("Not Recovered") == std::string::npos; }));
+    FocusFieldOf("Password:");
+    m_session->Type("n3w-pass");
+    ASSERT_TRUE(m_session->WaitForText("[********"));
+    m_session->Key("Enter");
+    EXPECT_EQ(Finish(), 1);
+    const std::string after = Ini();
+    EXPECT_EQ(after.find(stored), std::string::npos) << after;
+    EXPECT_NE(after.find("EncryptedPWD=AES256_"), std::string::npos) << after;
+    EXPECT_EQ(after.find("n3w-pass"), std::string::npos);
+}
+
 TEST_F(DriverConfigTerminalTest, PasswordOptionsShowTheChoiceMadeBeforeWhenOpenedAgain)
 {
     Start("[Driver]\nSparkServerType=3\nAuthMech=3\nUID=alice\n");
