@@ -5,6 +5,7 @@
 
 #include "dialogs/framework/DSDialogMessageBoxHost.h"
 #include "dialogs/framework/DSMessageCatalogue.h"
+#include "dialogs/driversupport/DSLoggingDialog.h"
 #include "dialogs/driversupport/DSPasswordOptionsDialog.h"
 #include "dialogs/driversupport/DSTestResultDialog.h"
 #include "dialogs/product/QuillZkDialog.h"
@@ -247,10 +248,12 @@ std::intptr_t QuillConfigurationDialog::ActionProc(IDialogWindow* in_window, std
             case IDC_SERVICE_DISCOVERY_OPTIONS:
                 dialog.OpenServiceDiscoveryOptions();
                 break;
+            case IDC_LOGGING_OPTIONS:
+                dialog.OpenLoggingOptions();
+                break;
             case IDC_ADVANCED_OPTIONS:
             case IDC_SSL_OPTIONS:
             case IDC_HTTP_OPTIONS:
-            case IDC_LOGGING_OPTIONS:
             case IDC_PROXY_OPTIONS:
             case IDC_DFI_OPTIONS:
                 dialog.ShowOptionsNotAvailable(id);
@@ -688,6 +691,28 @@ void QuillConfigurationDialog::OpenServiceDiscoveryOptions()
         default:
             // No discovery, no options.
             break;
+    }
+    CheckEnableButtons();
+}
+
+void QuillConfigurationDialog::OpenLoggingOptions()
+{
+    // An import there replaces the whole configuration: what is typed here
+    // goes into it first, and the controls show the result afterwards.
+    ReadConfigValuesFromDlg();
+    DriverSupport::DSLoggingDialog::Show(m_window, &m_configuration);
+    FlagScope updating(m_isUpdating);
+    const tarni_wstring typedName = m_isDsnDialog ? Text(IDC_DSN_NAME) : tarni_wstring();
+    for (const int combo : {IDC_SERVER_TYPE, IDC_SERVICE_DISCOVERY_MODE, IDC_AUTH_MECH, IDC_THRIFT_TRANSPORT})
+    {
+        DSBaseDialog::ClearCombo(m_window, combo);
+    }
+    FillCombos();
+    SelectStoredValues();
+    FillTextFields();
+    if (m_isDsnDialog)
+    {
+        SetControlText(IDC_DSN_NAME, typedName);
     }
     CheckEnableButtons();
 }

@@ -107,6 +107,9 @@ private:
     void OnServerTypeChanged();
     void OnAuthMechChanged();
     void OpenServiceDiscoveryOptions();
+    /// Logging Options over the configuration, then the controls refilled
+    /// from it (an import may have replaced it).
+    void OpenLoggingOptions();
     /// The option buttons whose dialogs this build does not have.
     void ShowOptionsNotAvailable(int in_buttonId);
     /// The checks of OK in the DSN setup; false after a box has told the user

@@ -8,6 +8,7 @@
 #include "driversupport/DSServerSidePropertyGroup.h"
 #include "driversupport/DSUidPwdConfiguration.h"
 #include "driversupport/ProductSettingKeys.h"
+#include "platform/PlatformInitialization.h"
 #include "platform/SettingsStoreFactory.h"
 #include "product/QDCConfiguration.h"
 #include "product/SOProductIdentity.h"
@@ -97,6 +98,16 @@ int SODriverConfigRun::Run(Platform::IDialogHost& io_host, const Options& in_opt
     // 5. The two prefixed property groups.
     DriverSupport::DSServerSidePropertyGroup serverSideProperties;
     DriverSupport::DSPrefixedPropertyGroup httpHeaders("http.header.");
+
+    // 6. The platform (on Windows the dialog thread's component model, which
+    // the shell's folder chooser needs), until the run ends either way.
+    struct PlatformScope
+    {
+        PlatformScope() { Platform::PlatformInitialization::InitializePlatform(0, 2); }
+        ~PlatformScope() { Platform::PlatformInitialization::UninitializePlatform(); }
+        PlatformScope(const PlatformScope&) = delete;
+        PlatformScope& operator=(const PlatformScope&) = delete;
+    } platformScope;
 
     ConnectMessageCatalogue();
     std::unique_ptr<Support::ILogger> logger;
