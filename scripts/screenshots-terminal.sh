@@ -62,6 +62,26 @@ mkdir -p "$out"
 wait_for "Tarni Spark ODBC Driver Configuration"
 shot terminal-driver-configuration
 
+status_is "Logging Options"
+key Enter
+wait_for "Max Number Files:"
+shot terminal-logging-options
+status_is "Browse"
+key Enter
+wait_for "Choose log file target directory."
+key C-u; tmux -L "$socket" send-keys -l "$work/lo"; key Tab
+wait_for "logs/"
+shot terminal-logging-browse
+key Escape
+status_is "Export Configuration"
+key Enter
+wait_for "Choose Export Target File"
+shot terminal-logging-export
+key Escape
+key Escape
+wait_for "Tarni Spark ODBC Driver Configuration"
+status_is "Space: open list"   # Tab round to the first control, the server type list
+
 key Tab; key Tab
 key Space
 wait_for "No Service Discovery"
@@ -84,21 +104,5 @@ key Down; key Space
 shot terminal-password-options
 key Escape
 
-status_is "Logging Options"
-key Enter
-wait_for "Max Number Files:"
-shot terminal-logging-options
-status_is "Browse"
-key Enter
-wait_for "Choose log file target directory."
-key C-u; tmux -L "$socket" send-keys -l "$work/lo"; key Tab
-wait_for "logs/"
-shot terminal-logging-browse
-key Escape
-status_is "Export Configuration"
-key Enter
-wait_for "Choose Export Target File"
-shot terminal-logging-export
-key Escape
 key Escape
 key Escape
