@@ -412,7 +412,7 @@ TEST_F(QuillConfigurationDialogTest, OptionButtonsOpenTheirDialogsOrSayTheyAreNo
     m_configuration.GetCredentials().SetEncryptPwd(true);
     const std::pair<int, const char16_t*> later[] = {
         {IDC_ADVANCED_OPTIONS, u"Advanced Options"}, {IDC_SSL_OPTIONS, u"SSL Options"},
-        {IDC_PROXY_OPTIONS, u"Proxy Options"},       {IDC_LOGGING_OPTIONS, u"Logging Options"},
+        {IDC_PROXY_OPTIONS, u"Proxy Options"},
         {IDC_HTTP_OPTIONS, u"HTTP Options"},         {IDC_OAUTH_OPTIONS, u"OAuth Options"},
         {IDC_SERVICE_DISCOVERY_OPTIONS, u"Service Discovery Options"}, {IDC_DFI_OPTIONS, u"DFI Options"},
     };
@@ -428,6 +428,8 @@ TEST_F(QuillConfigurationDialogTest, OptionButtonsOpenTheirDialogsOrSayTheyAreNo
             p.Click(IDOK);
         });
         w.Click(IDC_PASSWORD_OPTIONS);
+        m_host.ExpectDialog(IDD_LOGGING_OPTIONS, [](Window& l) { l.PressEscape(); });
+        w.Click(IDC_LOGGING_OPTIONS);
 
         w.SelectCombo(IDC_AUTH_MECH, u"OAuth 2.0");  // also makes the transport HTTP
         w.SelectCombo(IDC_SERVICE_DISCOVERY_MODE, u"AOSS");
