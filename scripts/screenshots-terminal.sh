@@ -22,11 +22,13 @@ trap cleanup EXIT
 # driver configuration to show.
 cp "$program" "$work/tarni-spark-driver-config"
 printf 'supported-service-discovery-modes=ZooKeeper,AOSS\n' > "$work/SparkODBC.did"
-printf '[Driver]\nSparkServerType=3\nServiceDiscoveryMode=ZooKeeper\nZKNamespace=hiveserver2\nAuthMech=3\nUID=alice\nThriftTransport=1\nHTTPPath=cliservice\nSSP_spark.sql.shuffle.partitions=8\nSSP_spark.sql.ansi.enabled=true\nhttp.header.User-Agent=reports/2.1\nhttp.header.X-Trace=\n' \
+mkdir -p "$work/logs" "$work/Documents"
+printf 'XDG_DOCUMENTS_DIR="$HOME/Documents"\n' > "$work/user-dirs.dirs"
+printf '[Driver]\nLogLevel=4\nLogPath=/var/log/tarni\nLogFileCount=50\nLogFileSize=20971520\nSparkServerType=3\nServiceDiscoveryMode=ZooKeeper\nZKNamespace=hiveserver2\nAuthMech=3\nUID=alice\nThriftTransport=1\nHTTPPath=cliservice\nSSP_spark.sql.shuffle.partitions=8\nSSP_spark.sql.ansi.enabled=true\nhttp.header.User-Agent=reports/2.1\nhttp.header.X-Trace=\n' \
   > "$work/odbc.ini"
 
 tmux -u -L "$socket" -f /dev/null new-session -d -x 80 -y 24 -e LANG=C.UTF-8 -e TERM=screen \
-  "cd '$work' && SPARKINI='$work/odbc.ini' XDG_CONFIG_HOME='$work' ./tarni-spark-driver-config; sleep 5"
+  "cd '$work' && HOME='$work' SPARKINI='$work/odbc.ini' XDG_CONFIG_HOME='$work' ./tarni-spark-driver-config; sleep 5"
 
 key() { tmux -L "$socket" send-keys "$@"; sleep 0.25; }
 wait_for() {  # text, bounded wait
@@ -59,6 +61,26 @@ shot() {  # name
 mkdir -p "$out"
 wait_for "Tarni Spark ODBC Driver Configuration"
 shot terminal-driver-configuration
+
+status_is "Logging Options"
+key Enter
+wait_for "Max Number Files:"
+shot terminal-logging-options
+status_is "Browse"
+key Enter
+wait_for "Choose log file target directory."
+key C-u; tmux -L "$socket" send-keys -l "$work/lo"; key Tab
+wait_for "logs/"
+shot terminal-logging-browse
+key Escape
+status_is "Export Configuration"
+key Enter
+wait_for "Choose Export Target File"
+shot terminal-logging-export
+key Escape
+key Escape
+wait_for "Tarni Spark ODBC Driver Configuration"
+status_is "Space: open list"   # Tab round to the first control, the server type list
 
 # The next drop-down after Spark Server Type: Service Discovery Mode.
 key Tab; status_is "Space: open list"

@@ -4,9 +4,11 @@
 
 #include "driversupport/ConfigurationKeys.h"
 #include "driversupport/DSProductHelper.h"
+#include "driversupport/DSSetupException.h"
 #include "core/ErrorException.h"
 #include "core/NumberConverter.h"
 #include "support/TarniSettingReader.h"
+#include "support/log/LogUtils.h"
 
 namespace Tarni::DriverSupport
 {
@@ -16,6 +18,9 @@ namespace
 {
 const char* const NS = "Tarni::DriverSupport";
 const char* const CLS = "DSDSNConfiguration";
+
+/// The largest maximum log file size the dialog accepts, in megabytes.
+constexpr unsigned long long MAX_LOG_FILE_SIZE_MB = 4096;
 
 const tarni_wstring_view PLAIN_SECRET_KEYS[] = {
     Keys::PWD, Keys::ProxyPWD, Keys::ClientPrivateKeyPWD, Keys::Auth_Client_Secret, Keys::Auth_AccessToken,
@@ -121,6 +126,45 @@ void DSDSNConfiguration::Load(const ConfigurationMap& in_values)
     {
         m_map.SetValue(key, value);
     }
+    InitializeComponentsAfterLoad();
+}
+
+void DSDSNConfiguration::SetLogLevel(unsigned in_level)
+{
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "SetLogLevel");
+    m_map.SetValue(Keys::LogLevel, StringConverter::FromNumber(static_cast<unsigned long long>(in_level)));
+}
+
+unsigned DSDSNConfiguration::GetLogLevel() const
+{
+    return static_cast<unsigned>(Support::LogUtils::ToLogLevel(m_map.GetValue(Keys::LogLevel)));
+}
+
+void DSDSNConfiguration::SetLogPath(tarni_wstring_view in_path)
+{
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "SetLogPath");
+    m_map.SetValue(Keys::LogPath, in_path);
+}
+
+void DSDSNConfiguration::SetLogFileSize(tarni_wstring_view in_megabytes)
+{
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "SetLogFileSize");
+    const auto megabytes = Support::NumberConverter::ToUInt64(in_megabytes);
+    if (!in_megabytes.empty() && (!megabytes || *megabytes > MAX_LOG_FILE_SIZE_MB))
+    {
+        throw DSSetupException(SETUP_INVALID_LOG_FILE_SIZE);
+    }
+    m_map.SetValue(Keys::LogFileSize, in_megabytes);
+}
+
+void DSDSNConfiguration::SetLogFileCount(tarni_wstring_view in_count)
+{
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "SetLogFileCount");
+    if (!in_count.empty() && !Support::NumberConverter::ToUInt32(in_count))
+    {
+        throw DSSetupException(SETUP_INVALID_LOG_FILE_COUNT);
+    }
+    m_map.SetValue(Keys::LogFileCount, in_count);
 }
 
 void DSDSNConfiguration::InitializeComponentsAfterLoad()

@@ -41,8 +41,9 @@ public:
     /// driver-wide store), else the built-in default.
     void LoadDefaults();
 
-    /// Clears the map to the defaults, then stores every given pair (import).
-    void Load(const ConfigurationMap& in_values);
+    /// Clears the map to the defaults, stores every given pair (import) and
+    /// runs the components' post-load step.
+    virtual void Load(const ConfigurationMap& in_values);
 
     DSUidPwdConfiguration& GetCredentials() { return *m_credentials; }
     DSSSLConfiguration& GetSSLConfiguration() { return *m_ssl; }
@@ -72,6 +73,19 @@ public:
     /// map, stored in bytes).
     void LoadLoggingProperties(const std::vector<Platform::StoredValue>& in_stored);
     void SaveLoggingProperties(Platform::ISettingsStore& io_store) const;
+
+    /// The logging settings of the Logging Options dialog. The level is
+    /// stored as its index (LOG_OFF 0 ... LOG_TRACE 6).
+    void SetLogLevel(unsigned in_level);
+    /// The stored level as an index: a number or a level name, as the log reads it.
+    unsigned GetLogLevel() const;
+    void SetLogPath(tarni_wstring_view in_path);
+    /// Empty, or a whole number of megabytes from 0 to 4096; anything else
+    /// throws DSSetupException 9 and stores nothing.
+    void SetLogFileSize(tarni_wstring_view in_megabytes);
+    /// Empty, or a whole number from 0 to 4294967295; anything else throws
+    /// DSSetupException 8 and stores nothing.
+    void SetLogFileCount(tarni_wstring_view in_count);
 
     /// Megabytes (empty: 0) to the stored byte count, as an unsigned 32-bit
     /// number: 4096 MB and more wrap around. Throws for text that is not a number.

@@ -25,6 +25,10 @@ public:
     /// True when the stored key begins with the prefix (compared as value names are, ignoring case).
     bool IsGroupKey(tarni_wstring_view in_key) const;
 
+    /// Removes every entry (and returns switches to their defaults); the
+    /// names loaded before are still deleted by the next save.
+    virtual void ClearEntries() { m_properties.clear(); }
+
     /// Collects every stored value whose name begins with the prefix.
     virtual void Load(const std::vector<Platform::StoredValue>& in_stored);
     /// Deletes the loaded names no longer in the group, then writes every entry.

@@ -20,6 +20,14 @@ void DSServerSidePropertyGroup::SetApplySSPWithQueries(tarni_wstring_view in_val
     m_writeApplyWithQueries = true;
 }
 
+void DSServerSidePropertyGroup::ClearEntries()
+{
+    const DSServerSidePropertyGroup defaults;
+    m_lcaseKeyName = defaults.m_lcaseKeyName;
+    m_applyWithQueries = defaults.m_applyWithQueries;
+    DSPrefixedPropertyGroup::ClearEntries();
+}
+
 void DSServerSidePropertyGroup::Load(const std::vector<Platform::StoredValue>& in_stored)
 {
     TARNI_LOG_ENTRY(m_logger, NS, CLS, "Load");

@@ -17,6 +17,7 @@ public:
     void SetApplySSPWithQueries(tarni_wstring_view in_value);
     bool IsApplySSPWithQueriesToBeWritten() const { return m_writeApplyWithQueries; }
 
+    void ClearEntries() override;
     void Load(const std::vector<Platform::StoredValue>& in_stored) override;
     void Save(Platform::ISettingsStore& io_store) override;
 

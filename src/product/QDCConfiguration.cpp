@@ -81,6 +81,33 @@ void QDCConfiguration::Load()
     InitializeComponentsAfterLoad();
 }
 
+void QDCConfiguration::Load(const DriverSupport::ConfigurationMap& in_values)
+{
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "Load");
+    const DriverSupport::ConfigurationMap previous = std::move(m_map);
+    m_map.clear();
+    m_serverSideProperties.ClearEntries();
+    m_httpHeaders.ClearEntries();
+    m_map.SetValue(Keys::Driver, DriverSupport::DSProductHelper::GetDriverName());
+    for (const auto& [key, value] : GetDefaultDriverProperties())
+    {
+        SetSetting(key, value);
+    }
+    for (const auto& [key, value] : in_values)
+    {
+        SetSetting(key, value);
+    }
+    // A stored key without a default that the pairs do not name leaves the store.
+    for (const auto& [key, value] : previous)
+    {
+        if (!m_map.Contains(key) && IsDriverWideKey(key))
+        {
+            m_keysToDelete.push_back(key);
+        }
+    }
+    InitializeComponentsAfterLoad();
+}
+
 void QDCConfiguration::Save()
 {
     TARNI_LOG_ENTRY(m_logger, NS, CLS, "Save");

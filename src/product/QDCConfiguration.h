@@ -21,6 +21,13 @@ public:
     /// logging properties and the components' post-load step.
     void Load();
 
+    /// An import: the built-in defaults (not the stored values, which are
+    /// what the import replaces), then the pairs, each through SetSetting so
+    /// that the prefixed groups and their switches hold exactly what the
+    /// pairs say; then the components' post-load step. The save deletes the
+    /// group entries the pairs no longer name.
+    void Load(const DriverSupport::ConfigurationMap& in_values) override;
+
     /// Finalises the components (secrets are protected here), writes every
     /// driver-wide key of the map, the logging properties and the groups. On
     /// stores that can, the whole save is applied at once or not at all.

@@ -8,6 +8,7 @@
 #include "dialogs/framework/DSMessageCatalogue.h"
 #include "dialogs/driversupport/DSHttpPropertiesDialog.h"
 #include "dialogs/driversupport/DSOAuthOptionsDialog.h"
+#include "dialogs/driversupport/DSLoggingDialog.h"
 #include "dialogs/driversupport/DSPasswordOptionsDialog.h"
 #include "dialogs/driversupport/DSProxyConfigurationDialog.h"
 #include "dialogs/driversupport/DSTestResultDialog.h"
@@ -259,6 +260,9 @@ std::intptr_t QuillConfigurationDialog::ActionProc(IDialogWindow* in_window, std
             case IDC_SSL_OPTIONS:
                 dialog.OpenSslOptions();
                 break;
+            case IDC_LOGGING_OPTIONS:
+                dialog.OpenLoggingOptions();
+                break;
             case IDC_PROXY_OPTIONS:
                 DriverSupport::DSProxyConfigurationDialog::Show(in_window,
                                                                 &dialog.m_configuration.GetProxyConfiguration());
@@ -277,9 +281,6 @@ std::intptr_t QuillConfigurationDialog::ActionProc(IDialogWindow* in_window, std
                                                       dialog.GetSelectedServerTypeFromDlg() != Tables::SERVER_DFI)
                     .Show(in_window);
                 dialog.CheckEnableButtons();
-                break;
-            case IDC_LOGGING_OPTIONS:
-                dialog.ShowOptionsNotAvailable(id);
                 break;
             case IDC_DFI_OPTIONS:
             {
@@ -780,23 +781,28 @@ void QuillConfigurationDialog::OpenSslOptions()
         ssl.SetSsl(u"1", false);
     }
     DriverSupport::DSSSLDialog::Show(m_window, &ssl, m_allowEditing && !dfi);
-    CheckEnableButtons();
 }
 
-void QuillConfigurationDialog::ShowOptionsNotAvailable(int in_buttonId)
+void QuillConfigurationDialog::OpenLoggingOptions()
 {
-    // The box is titled after the button ("SSL Options..." -> "SSL Options").
-    tarni_wstring title = Text(in_buttonId);
-    while (!title.empty() && title.back() == u'.')
+    // An import there replaces the whole configuration: what is typed here
+    // goes into it first, and the controls show the result afterwards.
+    ReadConfigValuesFromDlg();
+    DriverSupport::DSLoggingDialog::Show(m_window, &m_configuration);
+    FlagScope updating(m_isUpdating);
+    const tarni_wstring typedName = m_isDsnDialog ? Text(IDC_DSN_NAME) : tarni_wstring();
+    for (const int combo : {IDC_SERVER_TYPE, IDC_SERVICE_DISCOVERY_MODE, IDC_AUTH_MECH, IDC_THRIFT_TRANSPORT})
     {
-        title.pop_back();
+        DSBaseDialog::ClearCombo(m_window, combo);
     }
-    if (m_logger != nullptr)
+    FillCombos();
+    SelectStoredValues();
+    FillTextFields();
+    if (m_isDsnDialog)
     {
-        m_logger->LogInfo(NS, CLS, "ShowOptionsNotAvailable", "\"%s\" is not available in this build.",
-                          StringConverter::ToUtf8(title).c_str());
+        SetControlText(IDC_DSN_NAME, typedName);
     }
-    DSBaseDialog::ShowInfoMessage(m_window, title, LoadResourceString(IDS_OPTIONS_NOT_AVAILABLE));
+    CheckEnableButtons();
 }
 
 // ------------------------------------------------------------------ OK, Cancel, Test

@@ -114,8 +114,9 @@ private:
     /// Tells the user, once per dialog, which stored secrets could not be
     /// recovered and that they are kept as stored.
     void WarnAboutUnrecoveredSecrets();
-    /// The option buttons whose dialogs this build does not have.
-    void ShowOptionsNotAvailable(int in_buttonId);
+    /// Logging Options over the configuration, then the controls refilled
+    /// from it (an import may have replaced it).
+    void OpenLoggingOptions();
     /// The checks of OK in the DSN setup; false after a box has told the user
     /// what is missing.
     bool ValidateDsnInput(tarni_wstring& out_name);

@@ -1,4 +1,5 @@
 #include "programs/config-cli/ConfigCommandLine.h"
+#include "programs/config-cli/ConfigTransferCommands.h"
 
 #include <algorithm>
 #include <iostream>
@@ -55,6 +56,11 @@ const char* ConfigCommandLine::UsageText()
            "                        keyFilePassword) from one line of standard input and\n"
            "                        save it protected for the current user (default) or\n"
            "                        for all users of this machine\n"
+           "  export FILE           write the settings to FILE (- for standard output) as\n"
+           "                        key=value lines, without logging settings and secrets\n"
+           "  import FILE           replace the settings with those of FILE (- for standard\n"
+           "                        input); settings it does not name return to their\n"
+           "                        defaults, logging settings stay as they are\n"
            "\n"
            "Secrets are never taken from the command line, and show and get print them\n"
            "as ****.\n"
@@ -119,10 +125,15 @@ int ConfigCommandLine::Run(const std::vector<tarni_wstring>& in_arguments)
     const tarni_wstring command = in_arguments[index];
     const std::vector<tarni_wstring> operands(in_arguments.begin() + static_cast<std::ptrdiff_t>(index) + 1,
                                               in_arguments.end());
-    const bool modifies = command == u"set" || command == u"unset" || command == u"set-secret";
-    if (!modifies && command != u"show" && command != u"get")
+    const bool modifies = command == u"set" || command == u"unset" || command == u"set-secret" || command == u"import";
+    if (!modifies && command != u"show" && command != u"get" && command != u"export")
     {
         return Usage("unknown command " + U8(command));
+    }
+    if ((command == u"export" || command == u"import") && operands.size() != 1)
+    {
+        return Usage(U8(command) + " takes one FILE (- for standard " +
+                     (command == u"export" ? "output)" : "input)"));
     }
 
     try
@@ -169,6 +180,14 @@ int ConfigCommandLine::Run(const std::vector<tarni_wstring>& in_arguments)
         else if (command == u"set-secret")
         {
             result = SetSecret(config, operands);
+        }
+        else if (command == u"export")
+        {
+            ConfigTransferCommands(m_in, m_out).Export(config, operands[0]);
+        }
+        else if (command == u"import")
+        {
+            ConfigTransferCommands(m_in, m_out).Import(config, operands[0]);
         }
         else
         {

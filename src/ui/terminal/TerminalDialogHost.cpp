@@ -1,7 +1,5 @@
 #include "ui/terminal/TerminalDialogHost.h"
 
-#include <sys/stat.h>
-
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -11,6 +9,7 @@
 #include "ui/terminal/TerminalMessageBox.h"
 #include "ui/terminal/TerminalPathPrompt.h"
 #include "ui/terminal/TerminalText.h"
+#include "ui/terminal/XdgUserDirectories.h"
 #include "core/ErrorException.h"
 #include "support/StringConverter.h"
 
@@ -40,12 +39,6 @@ public:
 private:
     std::vector<TerminalDialogWindow*>& m_stack;
 };
-
-bool IsFolder(const std::string& in_path)
-{
-    struct stat info{};
-    return ::stat(in_path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
-}
 }  // namespace
 
 TerminalDialogHost::TerminalDialogHost(const ResourceScript& in_resources, Support::ILogger* in_logger)
@@ -239,17 +232,7 @@ std::optional<tarni_wstring> TerminalDialogHost::BrowseForFolder(IDialogWindow* 
 
 std::optional<tarni_wstring> TerminalDialogHost::GetDocumentsFolder()
 {
-    // The XDG documents folder, else ~/Documents, else the home folder.
-    if (const char* documents = std::getenv("XDG_DOCUMENTS_DIR"); documents != nullptr && IsFolder(documents))
-    {
-        return StringConverter::FromUtf8(documents);
-    }
-    const char* home = std::getenv("HOME");
-    if (home == nullptr || *home == '\0')
-    {
-        return std::nullopt;
-    }
-    const std::string candidate = std::string(home) + "/Documents";
-    return StringConverter::FromUtf8(IsFolder(candidate) ? candidate : std::string(home));
+    const auto folder = XdgUserDirectories::DocumentsFolder();
+    return folder ? std::optional<tarni_wstring>(StringConverter::FromUtf8(*folder)) : std::nullopt;
 }
 }  // namespace Tarni::Platform

@@ -414,3 +414,52 @@ TEST_F(SODriverConfigRunTest, AFailedSaveKeepsTheDialogOpenAndALaterOkWritesTheI
     EXPECT_EQ(memory.Find(u"KrbRealm")->value, u"EXAMPLE.COM");
     EXPECT_EQ(memory.Find(u"AuthMech")->value, u"1");
 }
+
+TEST_F(SODriverConfigRunTest, LoggingOptionsThenOkAndOkStoreTheLoggingSettings)
+{
+    const tarni_wstring logs = StringConverter::FromUtf8((m_folder / "logs").string());
+    m_host.ExpectDialog(IDD_DRIVER_CONFIG, [](ScriptedDialogWindow& w) {
+        w.Click(IDC_LOGGING_OPTIONS);
+        w.Click(IDOK);
+    });
+    m_host.ExpectFolder(logs);
+    m_host.ExpectDialog(IDD_LOGGING_OPTIONS, [](ScriptedDialogWindow& w) {
+        w.SelectCombo(IDC_LOG_LEVEL, u"LOG_DEBUG");
+        w.Click(IDC_LOG_BROWSE);
+        w.Type(IDC_LOG_MAX_FILE_COUNT, u"12");
+        w.Type(IDC_LOG_MAX_FILE_SIZE, u"4096");
+        w.Click(IDOK);
+    });
+    EXPECT_EQ(SODriverConfigRun::Run(m_host, m_options), 1);
+    const Snapshot stored = Stored();
+    EXPECT_EQ(stored.at(u"LogLevel"), u"5");
+    EXPECT_EQ(stored.at(u"LogPath"), logs);
+    EXPECT_EQ(stored.at(u"LogFileCount"), u"12");
+    EXPECT_EQ(stored.at(u"LogFileSize"), u"0") << "4096 MB wraps around as the store keeps it";
+}
+
+TEST_F(SODriverConfigRunTest, AnImportReplacesWhatTheMainDialogShowsAndSaves)
+{
+    const tarni_wstring exported = StringConverter::FromUtf8((m_folder / "exported.sdc").string());
+    const auto imported = m_folder / "imported.sdc";
+    std::ofstream(imported, std::ios::binary) << "SparkServerType=3\nAuthMech=2\nDelegationUID=from-file\n";
+    m_host.ExpectDialog(IDD_DRIVER_CONFIG, [](ScriptedDialogWindow& w) {
+        w.SelectCombo(IDC_SERVER_TYPE, u"SparkThriftServer (Spark 1.1 and later)");
+        w.Type(IDC_DELEGATION_UID, u"typed");
+        w.Click(IDC_LOGGING_OPTIONS);
+        EXPECT_EQ(w.Text(IDC_DELEGATION_UID), u"from-file");
+        w.Click(IDOK);
+    });
+    m_host.ExpectSaveFile(exported);
+    m_host.ExpectOpenFile(StringConverter::FromUtf8(imported.string()));
+    m_host.ExpectDialog(IDD_LOGGING_OPTIONS, [](ScriptedDialogWindow& w) {
+        w.Click(IDC_LOG_EXPORT);
+        w.Click(IDC_LOG_IMPORT);
+        w.Click(IDCANCEL);
+    });
+    EXPECT_EQ(SODriverConfigRun::Run(m_host, m_options), 1);
+    std::ifstream file(m_folder / "exported.sdc", std::ios::binary);
+    const std::string text{std::istreambuf_iterator<char>(file), {}};
+    EXPECT_NE(text.find("\nDelegationUID=typed\n"), std::string::npos) << "what was typed is exported\n" << text;
+    EXPECT_EQ(Stored().at(u"DelegationUID"), u"from-file");
+}

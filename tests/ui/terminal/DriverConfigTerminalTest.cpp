@@ -779,3 +779,106 @@ TEST_F(DriverConfigTerminalTest, SslAndAossOptionsWithTheKeyboardReachTheStore)
     ExpectTerminalRestored();
 }
 }  // namespace Tarni::Testing
+
+namespace Tarni::Testing
+{
+TEST_F(DriverConfigTerminalTest, LoggingOptionsTakeALevelAFolderAndLimits)
+{
+    std::filesystem::create_directories(m_folder / "logs");
+    Start("[Driver]\nSparkServerType=3\n");
+    FocusButton("Logging Options...");
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitForText("Logging Options")) << m_session->Screen();
+    ASSERT_TRUE(m_session->WaitForText("Max Number Files:"));
+    // No level stored: LOG_OFF, with the folder and the limits dim.
+    EXPECT_NE(m_session->LineWith("Log Level:").find("[LOG_OFF"), std::string::npos) << m_session->Screen();
+    EXPECT_NE(m_session->LineWith("Browse", true).find("\x1b[2m"), std::string::npos);
+
+    // The level list has the focus: LOG_DEBUG is five entries down.
+    m_session->Key("Space");
+    ASSERT_TRUE(m_session->WaitForText("LOG_TRACE")) << m_session->Screen();
+    for (int i = 0; i < 5; ++i)
+    {
+        m_session->Key("Down");
+    }
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitFor([](const std::string& s) { return s.find("LOG_TRACE") == std::string::npos; }));
+    EXPECT_NE(m_session->LineWith("Log Level:").find("[LOG_DEBUG"), std::string::npos) << m_session->Screen();
+
+    // Browse: the folder prompt completes folders only and takes one.
+    FocusButton("Browse...");
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitForText("Choose log file target directory.")) << m_session->Screen();
+    m_session->Key("C-u");
+    m_session->Type("lo");
+    m_session->Key("Tab");
+    ASSERT_TRUE(m_session->WaitForText("logs/")) << m_session->Screen();
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitFor(
+        [](const std::string& s) { return s.find("Choose log file target directory.") == std::string::npos; }));
+    EXPECT_NE(m_session->LineWith("Log Path:").find("logs"), std::string::npos) << m_session->Screen();
+
+    FocusFieldOf("Max Number Files:");
+    m_session->Type("7");
+    FocusFieldOf("Max File Size (MB):");
+    m_session->Type("12");
+    m_session->Key("Enter");  // OK, the default button
+    ASSERT_TRUE(m_session->WaitFor([](const std::string& s) { return s.find("Max Number Files:") == std::string::npos; }))
+        << m_session->Screen();
+    FocusButton("OK");
+    m_session->Key("Enter");
+    EXPECT_EQ(Finish(), 1);
+    const std::string ini = Ini();
+    const std::string logs = (std::filesystem::canonical(m_folder) / "logs").string();
+    for (const std::string& line : std::vector<std::string>{"LogLevel=5\n", "LogPath=" + logs + "\n", "LogFileCount=7\n",
+                                                            "LogFileSize=12582912\n"})
+    {
+        EXPECT_NE(ini.find(line), std::string::npos) << line << ini;
+    }
+    ExpectTerminalRestored();
+}
+
+TEST_F(DriverConfigTerminalTest, ExportAndImportThroughThePathPrompts)
+{
+    std::filesystem::create_directories(m_folder / "Papers");
+    std::ofstream(m_folder / "config" / "user-dirs.dirs") << "XDG_DOCUMENTS_DIR=\"$HOME/Papers\"\n";
+    std::ofstream(m_folder / "Papers" / "other.sdc") << "SparkServerType=3\r\nAuthMech=3\r\nUID=bob\r\n";
+    Start("[Driver]\nSparkServerType=3\nAuthMech=3\nUID=alice\nLogLevel=4\n");
+    FocusButton("Logging Options...");
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitForText("Max Number Files:")) << m_session->Screen();
+
+    // Export: the name offered is backup.sdc in the documents folder.
+    FocusButton("Export Configuration...");
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitForText("Choose Export Target File")) << m_session->Screen();
+    EXPECT_NE(m_session->Screen().find("DSN Definition (*.sdc)"), std::string::npos) << m_session->Screen();
+    EXPECT_NE(m_session->Screen().find("Papers/backup.sdc"), std::string::npos) << m_session->Screen();
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitFor([](const std::string& s) { return s.find("Choose Export") == std::string::npos; }));
+    const std::string exported = ReadFile(m_folder / "Papers" / "backup.sdc");
+    EXPECT_NE(exported.find("\nUID=alice\n"), std::string::npos) << exported;
+    EXPECT_EQ(exported.find("LogLevel"), std::string::npos) << exported;
+
+    // Import another file: the main dialog shows what it brought.
+    FocusButton("Import Configuration...");
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitForText("Choose Import Target File")) << m_session->Screen();
+    m_session->Key("C-u");
+    m_session->Type("Papers/oth");
+    m_session->Key("Tab");
+    ASSERT_TRUE(m_session->WaitForText("other.sdc")) << m_session->Screen();
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitFor([](const std::string& s) { return s.find("Choose Import") == std::string::npos; }));
+    m_session->Key("Escape");  // the logging fields are as they were; the import stays
+    ASSERT_TRUE(m_session->WaitFor([](const std::string& s) { return s.find("Max Number Files:") == std::string::npos; }));
+    ASSERT_TRUE(m_session->WaitForText("[bob")) << m_session->Screen();
+    FocusButton("OK");
+    m_session->Key("Enter");
+    EXPECT_EQ(Finish(), 1);
+    const std::string ini = Ini();
+    EXPECT_NE(ini.find("UID=bob\n"), std::string::npos) << ini;
+    EXPECT_NE(ini.find("LogLevel=4\n"), std::string::npos) << ini;
+    ExpectTerminalRestored();
+}
+}  // namespace Tarni::Testing

@@ -2,7 +2,9 @@
 // for scripts/screenshots-win32.sh: for each template id on the command line
 // it opens the dialog (with its own controller where this program has one,
 // filled from a default configuration), prints "id left top right bottom"
-// of the window once it is up, waits, and closes it with Cancel.
+// of the window once it is up, waits, and closes it with Cancel. An id with
+// a suffix ("9109-browse", "9109-export", "9109-import") presses that button
+// of the dialog and reports the chooser it opens instead.
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -13,6 +15,7 @@
 #include "dialogs/driversupport/DSEditPropertyDialog.h"
 #include "dialogs/driversupport/DSHttpPropertiesDialog.h"
 #include "dialogs/driversupport/DSOAuthOptionsDialog.h"
+#include "dialogs/driversupport/DSLoggingDialog.h"
 #include "dialogs/driversupport/DSPasswordOptionsDialog.h"
 #include "dialogs/product/QuillAdvancedOptionsDialog.h"
 #include "dialogs/driversupport/DSProxyConfigurationDialog.h"
@@ -25,6 +28,7 @@
 #include "dialogs/thrift/TEDFIDialog.h"
 #include "dialogs/thrift/TESAMLDialog.h"
 #include "driversupport/ConfigurationKeys.h"
+#include "platform/InitializePlatform.h"
 #include "ui/ResourceScript.h"
 #include "ui/win32/GuiDriver.h"
 #include "ui/win32/Win32DialogHost.h"
@@ -58,6 +62,7 @@ std::intptr_t Plain(IDialogWindow* in_window, std::uint32_t in_message, std::uin
 int main(int argc, char** argv)
 {
     SparkODBC::SOProductIdentity::Register();
+    Platform::InitializePlatform(0, Platform::PLATFORM_APARTMENT_SINGLE_THREADED);  // the shell's folder chooser
     Win32DialogHost host;
     DriverSupport::DSDialogModule::SetHost(&host);
     SparkODBC::QuillConfiguration configuration(u"", 2, nullptr);
@@ -78,29 +83,73 @@ int main(int argc, char** argv)
     configuration.GetAOSSSSLConfiguration().SetTrustedCerts(u"C:\\Program Files\\Tarni\\Spark ODBC Driver\\cacerts.pem");
     configuration.SetValue(DriverSupport::Keys::AOSS_AuthMech, u"3");
     configuration.GetAOSSCredentials().SetUid(u"watcher");
+    configuration.SetValue(DriverSupport::Keys::LogLevel, u"4");
+    configuration.SetValue(DriverSupport::Keys::LogPath, u"C:\\ProgramData\\Tarni\\Logs");
+    configuration.SetValue(DriverSupport::Keys::LogFileCount, u"50");
+    configuration.SetValue(DriverSupport::Keys::LogFileSize, u"20");
 
     for (int i = 1; i < argc; ++i)
     {
-        const unsigned id = static_cast<unsigned>(std::strtoul(argv[i], nullptr, 10));
+        char* suffix = nullptr;
+        const unsigned id = static_cast<unsigned>(std::strtoul(argv[i], &suffix, 10));
+        const std::string name = argv[i];
+        // The button whose chooser is photographed instead of the dialog.
+        const std::string chooser = *suffix == '-' ? std::string(suffix + 1) : std::string();
+        const int chooserButton = chooser == "browse"   ? IDC_LOG_BROWSE
+                                  : chooser == "export" ? IDC_LOG_EXPORT
+                                  : chooser == "import" ? IDC_LOG_IMPORT
+                                                        : 0;
         const DialogTemplate* source = ResourceScript::Embedded().FindDialog(id);
         if (source == nullptr)
         {
             std::fprintf(stderr, "no dialog %u\n", id);
             return 1;
         }
-        std::wstring title(source->caption.begin(), source->caption.end());
-        std::thread user([id, title] {
+        // Controllers that set their own title.
+        std::wstring title = id == IDD_LOGGING_OPTIONS ? std::wstring(L"Logging Options")
+                                                       : std::wstring(source->caption.begin(), source->caption.end());
+        std::thread user([name, title, chooserButton] {
             HWND dialog = Testing::GuiDriver::WaitForDialog(title, ::GetCurrentProcessId());
             if (dialog == nullptr)
             {
                 return;
             }
-            ::RedrawWindow(dialog, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN | RDW_FRAME);
+            HWND shown = dialog;
+            if (chooserButton != 0)
+            {
+                // Posted: the chooser runs modally inside the button's command.
+                ::PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(chooserButton, BN_CLICKED), 0);
+                shown = nullptr;
+                for (int wait = 0; wait < 600 && shown == nullptr; ++wait)
+                {
+                    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+                    HWND found = nullptr;
+                    while ((found = ::FindWindowExW(nullptr, found, L"#32770", nullptr)) != nullptr)
+                    {
+                        if (::GetWindow(found, GW_OWNER) == dialog && ::IsWindowVisible(found))
+                        {
+                            shown = found;
+                            break;
+                        }
+                    }
+                }
+                if (shown == nullptr)
+                {
+                    return;
+                }
+                std::this_thread::sleep_for(std::chrono::seconds(1));
+            }
+            ::RedrawWindow(shown, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN | RDW_FRAME);
             RECT rect{};
-            ::GetWindowRect(dialog, &rect);
-            std::printf("%u %ld %ld %ld %ld\n", id, rect.left, rect.top, rect.right, rect.bottom);
+            ::GetWindowRect(shown, &rect);
+            std::printf("%s %ld %ld %ld %ld\n", name.c_str(), rect.left, rect.top, rect.right, rect.bottom);
             std::fflush(stdout);
             std::this_thread::sleep_for(std::chrono::seconds(4));
+            if (shown != dialog)
+            {
+                ::PostMessageW(shown, WM_COMMAND, MAKEWPARAM(IDCANCEL, BN_CLICKED), 0);
+                Testing::GuiDriver::WaitForClose(shown);
+            }
             ::PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDCANCEL, BN_CLICKED), 0);
         });
         switch (id)
@@ -169,6 +218,9 @@ int main(int argc, char** argv)
                 break;
             case IDD_AOSS_OPTIONS:
                 SparkODBC::QuillAOSSDialog::Show(nullptr, &configuration, true);
+                break;
+            case IDD_LOGGING_OPTIONS:
+                DriverSupport::DSLoggingDialog::Show(nullptr, &configuration);
                 break;
             default:
                 host.DialogBoxParam(id, nullptr, &Plain, 0);

@@ -1,0 +1,3 @@
+Host=1
+Host=2
+=empty key

@@ -1,0 +1,2 @@
+﻿Host=x
+AuthMech=3

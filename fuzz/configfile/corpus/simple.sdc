@@ -1,0 +1,2 @@
+Host=a=b
+Port=10000
