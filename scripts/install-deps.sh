@@ -6,7 +6,7 @@ set -euo pipefail
 
 packages=(
   # toolchain and test frameworks
-  g++ cmake ninja-build pkg-config git python3
+  g++ cmake ninja-build pkg-config git python3 ccache
   googletest libgtest-dev libgmock-dev libbenchmark-dev
   # libraries of the portable core
   libicu-dev libboost1.81-dev libexpat1-dev nlohmann-json3-dev libthrift-dev

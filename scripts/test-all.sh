@@ -9,6 +9,14 @@ jobs=${TARNI_JOBS:-2}
 
 bash scripts/install-deps.sh || exit 1
 
+# Compiler cache outside the clone: a second run on the same machine (or a
+# CI run after a developer's) recompiles only what changed.
+if command -v ccache >/dev/null 2>&1; then
+  export CMAKE_CXX_COMPILER_LAUNCHER=ccache CMAKE_C_COMPILER_LAUNCHER=ccache
+  export CCACHE_BASEDIR="$here" CCACHE_DIR="${CCACHE_DIR:-${XDG_CACHE_HOME:-$HOME/.cache}/tarni-ccache}"
+  ccache -M 5G >/dev/null 2>&1 || true
+fi
+
 status=0
 echo "=== Linux: build and test ==="
 if cmake --preset linux >/dev/null && cmake --build --preset linux -j "$jobs"; then
