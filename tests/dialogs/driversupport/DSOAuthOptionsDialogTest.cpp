@@ -80,7 +80,7 @@ TEST_F(DSOAuthOptionsDialogTest, EachFlowEnablesTheFieldsItUses)
             }
             EXPECT_TRUE(w.Enabled(IDC_OAUTH_IGNORE_NOPROMPT));
             EXPECT_TRUE(w.Enabled(IDC_OAUTH_ENCRYPTION_OPTIONS));
-            EXPECT_FALSE(w.Enabled(IDC_OAUTH_SSL_OPTIONS)) << "no SSL Options dialog is connected";
+            EXPECT_TRUE(w.Enabled(IDC_OAUTH_SSL_OPTIONS)) << "SSL Options serves every flow";
         }
         w.Click(IDCANCEL);
     });
