@@ -14,6 +14,8 @@ bash scripts/install-deps.sh || exit 1
 if command -v ccache >/dev/null 2>&1; then
   export CMAKE_CXX_COMPILER_LAUNCHER=ccache CMAKE_C_COMPILER_LAUNCHER=ccache
   export CCACHE_BASEDIR="$here" CCACHE_DIR="${CCACHE_DIR:-${XDG_CACHE_HOME:-$HOME/.cache}/tarni-ccache}"
+  # Debug builds would otherwise hash the clone's folder into every entry.
+  export CCACHE_NOHASHDIR=1
   ccache -M 5G >/dev/null 2>&1 || true
 fi
 
