@@ -24,7 +24,7 @@ constexpr unsigned long long MAX_LOG_FILE_SIZE_MB = 4096;
 
 const tarni_wstring_view PLAIN_SECRET_KEYS[] = {
     Keys::PWD, Keys::ProxyPWD, Keys::ClientPrivateKeyPWD, Keys::Auth_Client_Secret, Keys::Auth_AccessToken,
-    Keys::keyFilePassword, u"AOSS_PWD"};
+    Keys::keyFilePassword, u"AOSS_PWD", u"AOSS_ClientPrivateKeyPWD"};
 }  // namespace
 
 DSDSNConfiguration::DSDSNConfiguration(tarni_wstring in_dsnName, unsigned in_configType,

@@ -59,6 +59,70 @@ bool ReadSwitch(tarni_wstring_view in_key, const ConfigurationMap& in_settings, 
     return value;
 }
 
+tarni_wstring Lower(tarni_wstring_view in_text)
+{
+    tarni_wstring lower(in_text);
+    for (char16_t& c : lower)
+    {
+        if (c >= u'A' && c <= u'Z')
+        {
+            c = static_cast<char16_t>(c - u'A' + u'a');
+        }
+    }
+    return lower;
+}
+
+tarni_wstring StripBrackets(tarni_wstring_view in_host)
+{
+    if (in_host.size() >= 2 && in_host.front() == u'[' && in_host.back() == u']')
+    {
+        in_host = in_host.substr(1, in_host.size() - 2);
+    }
+    return tarni_wstring(in_host);
+}
+
+/// One entry of a bypass list (lower case) against a host (lower case,
+/// without brackets) and its port.
+bool MatchesBypassEntry(tarni_wstring_view in_entry, tarni_wstring_view in_host, tarni_wstring_view in_port)
+{
+    if (in_entry == u"*")
+    {
+        return true;
+    }
+    tarni_wstring pattern(in_entry);
+    // A port follows the last ":" of a name, an IPv4 address or a bracketed
+    // IPv6 address; a bare IPv6 address has several colons and no port.
+    const size_t colon = pattern.rfind(u':');
+    const bool bracketed = !pattern.empty() && pattern.front() == u'[';
+    if (colon != tarni_wstring::npos && (bracketed ? colon > pattern.find(u']') : pattern.find(u':') == colon))
+    {
+        if (pattern.substr(colon + 1) != in_port)
+        {
+            return false;
+        }
+        pattern.erase(colon);
+    }
+    pattern = StripBrackets(pattern);
+    if (pattern.rfind(u"*.", 0) == 0)
+    {
+        pattern.erase(0, 2);
+    }
+    else if (pattern.rfind(u".", 0) == 0)
+    {
+        pattern.erase(0, 1);
+    }
+    if (pattern.empty())
+    {
+        return false;
+    }
+    if (in_host == pattern)
+    {
+        return true;
+    }
+    return in_host.size() > pattern.size() && in_host.substr(in_host.size() - pattern.size()) == pattern &&
+           in_host[in_host.size() - pattern.size() - 1] == u'.';
+}
+
 bool IsNoProxyList(tarni_wstring_view in_list)
 {
     return in_list == u":" || in_list == u"::";
@@ -89,6 +153,15 @@ DSProxyDescription Proxy::ReadProxyConnectionSettings(const ConfigurationMap& in
     DSProxyDescription proxy;
     if (ReadSwitch(Keys::UseDefaultSystemProxy, in_settings, false, in_log))
     {
+        const tarni_wstring server = DSConnectionUtils::GetSettingValue(Keys::Host, in_settings).value_or(u"");
+        const tarni_wstring port = DSConnectionUtils::GetSettingValue(Keys::Port, in_settings).value_or(u"");
+        if (!TrimBlanks(server).empty() && IsBypassedHost(TrimBlanks(server), TrimBlanks(port), in_log))
+        {
+            // The system says to reach this server directly: neither its
+            // proxy nor the one of the settings is used.
+            LogChosen(in_log, "ReadProxyConnectionSettings", "The system's bypass list", proxy);
+            return proxy;
+        }
         proxy = GetSystemProxy(in_log);
     }
     // "UseProxy" off keeps ProxyHost and ProxyPort stored for later without
@@ -147,6 +220,49 @@ DSProxyDescription Proxy::GetSystemProxy(Support::ILogger* in_log)
                          list->discovered ? "discovered" : "manual", U8(DSProxyUrl::MaskCredentials(list->list)).c_str());
     }
     return ParseProxyList(list->list, in_log);
+}
+
+bool Proxy::IsBypassedHost(tarni_wstring_view in_host, tarni_wstring_view in_port, Support::ILogger* in_log)
+{
+    TARNI_LOG_ENTRY(in_log, NS, CLS, "IsBypassedHost");
+    std::optional<tarni_wstring> list;
+    const char16_t* source = nullptr;
+    for (const char16_t* name : {u"NO_PROXY", u"no_proxy"})
+    {
+        list = Platform::ProcessEnvironment::GetVariable(name);
+        if (list && !TrimBlanks(*list).empty())
+        {
+            source = name;
+            break;
+        }
+        list.reset();
+    }
+    if (!list)
+    {
+        return false;
+    }
+    const tarni_wstring host = Lower(StripBrackets(in_host));
+    size_t start = 0;
+    while (start <= list->size())
+    {
+        size_t end = list->find_first_of(u", \t", start);
+        if (end == tarni_wstring::npos)
+        {
+            end = list->size();
+        }
+        const tarni_wstring entry = Lower(list->substr(start, end - start));
+        start = end + 1;
+        if (!entry.empty() && MatchesBypassEntry(entry, host, in_port))
+        {
+            if (in_log != nullptr)
+            {
+                in_log->LogInfo(NS, CLS, "IsBypassedHost", "%s names the server %s (entry \"%s\"): no proxy.",
+                                U8(source).c_str(), U8(in_host).c_str(), U8(entry).c_str());
+            }
+            return true;
+        }
+    }
+    return false;
 }
 
 DSProxyDescription Proxy::GetEnvironmentProxy(Support::ILogger* in_log)

@@ -25,7 +25,8 @@ public:
     ///  1. "ProxyUsername" and "ProxyPassword" are the names of "ProxyUid" and
     ///     "ProxyPwd" too; when both names of a pair are given, the longer
     ///     ("ProxyUsername", "ProxyPassword") wins.
-    ///  2. With "UseDefaultSystemProxy" on, the system proxy.
+    ///  2. With "UseDefaultSystemProxy" on, the system proxy, unless the
+    ///     system's bypass list names "Host" (then no proxy at all).
     ///  3. Without one, and unless "UseProxy" is off, "ProxyHost" with the
     ///     then required "ProxyPort" (ErrorException "DSRequiredSettingNotFound"
     ///     when it is missing; "DSProxyPortErr" when it is not 1 to 65535).
@@ -40,6 +41,15 @@ public:
     /// Throws for an environment value that is not a usable proxy URL; the
     /// HTTP service never makes it throw.
     static DSProxyDescription GetSystemProxy(Support::ILogger* in_log);
+
+    /// True when the system's list of hosts reached directly, NO_PROXY (and
+    /// no_proxy where names are case-sensitive; NO_PROXY wins when both are
+    /// set), names the server in_host (with its port in_port, possibly
+    /// empty). Entries are separated by commas or blanks: "*" for every
+    /// host; a name, which also covers its subdomains (a leading "." or
+    /// "*." is allowed); an IP address, IPv6 in brackets or not; each
+    /// optionally with ":port", which then must match. Case is ignored.
+    static bool IsBypassedHost(tarni_wstring_view in_host, tarni_wstring_view in_port, Support::ILogger* in_log);
 
     /// HTTP_PROXY (and http_proxy, see above); empty when not set or empty.
     static DSProxyDescription GetEnvironmentProxy(Support::ILogger* in_log);

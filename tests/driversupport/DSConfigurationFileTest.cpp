@@ -109,7 +109,7 @@ TEST_F(DSConfigurationFileExport, LeavesOutTheLoggingSettingsAndEverySecret)
     for (const tarni_wstring_view key : {Keys::LogLevel, Keys::LogPath, Keys::LogNamespace, Keys::LogFileCount,
                                          Keys::LogFileSize, Keys::PWD, Keys::EncryptedPWD, Keys::ProxyPWD, Keys::ProxyEncryptedPWD,
                                          Keys::ClientPrivateKeyPWD, Keys::EncryptedClientPrivateKeyPWD, Keys::Auth_Client_Secret, Keys::Auth_AccessToken,
-                                         Keys::keyFilePassword})
+                                         Keys::keyFilePassword, tarni_wstring_view(u"AOSS_PWD"), tarni_wstring_view(u"AOSS_ClientPrivateKeyPWD")})
     {
         m_configuration.SetValue(key, u"secret-or-machine-value");
     }

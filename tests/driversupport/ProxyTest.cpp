@@ -61,7 +61,7 @@ protected:
     {
         Support::TarniSettingReader::Reset();
         Support::TarniSettingReader::SetStore(&m_store);
-        for (const char16_t* name : {u"HTTP_PROXY", u"http_proxy"})
+        for (const char16_t* name : {u"HTTP_PROXY", u"http_proxy", u"NO_PROXY", u"no_proxy"})
         {
             m_savedEnvironment.emplace_back(name, ProcessEnvironment::GetVariable(name));
             ProcessEnvironment::SetVariable(name, std::nullopt);
@@ -277,6 +277,44 @@ TEST_F(ProxyTest, TheLowerCaseVariableCountsAndTheUpperCaseOneWins)
     EXPECT_EQ(Proxy::GetEnvironmentProxy(&m_log).host, u"upper");
     ProcessEnvironment::SetVariable(u"HTTP_PROXY", u"");
     EXPECT_EQ(Proxy::GetEnvironmentProxy(&m_log).host, u"lower");
+}
+
+TEST_F(ProxyTest, TheBypassListSendsNamedServersDirectlyWithoutTheSettingsProxy)
+{
+    ProcessEnvironment::SetVariable(u"HTTP_PROXY", u"env-proxy:8080");
+    ConfigurationMap settings{{u"UseDefaultSystemProxy", u"1"}, {u"ProxyHost", u"explicit"}, {u"ProxyPort", u"1"},
+                              {u"Host", u"Spark.Corp.Example.com"}, {u"Port", u"443"}};
+    const auto proxyHost = [&] { return Proxy::ReadProxyConnectionSettings(settings, &m_log).host; };
+
+    for (const char16_t* list : {u"*", u"corp.example.com", u".example.com", u"*.CORP.example.com",
+                                 u"other.org, spark.corp.example.com:443", u"  localhost\t.example.com "})
+    {
+        ProcessEnvironment::SetVariable(u"NO_PROXY", list);
+        EXPECT_EQ(proxyHost(), u"") << StringConverter::ToUtf8(list);
+    }
+    // A suffix must end at a dot, and a port must match.
+    for (const char16_t* list : {u"ample.com", u"spark.corp.example.com:444", u"other.org", u",,", u"[::1]"})
+    {
+        ProcessEnvironment::SetVariable(u"NO_PROXY", list);
+        EXPECT_EQ(proxyHost(), u"env-proxy") << StringConverter::ToUtf8(list);
+    }
+
+    // Addresses: IPv4 with a port, IPv6 with and without brackets.
+    settings.SetValue(u"Host", u"[2001:db8::5]");
+    ProcessEnvironment::SetVariable(u"NO_PROXY", u"2001:db8::5");
+    EXPECT_EQ(proxyHost(), u"");
+    ProcessEnvironment::SetVariable(u"NO_PROXY", u"[2001:db8::5]:443");
+    EXPECT_EQ(proxyHost(), u"");
+    settings.SetValue(u"Host", u"10.1.2.3");
+    ProcessEnvironment::SetVariable(u"NO_PROXY", u"10.1.2.3:443");
+    EXPECT_EQ(proxyHost(), u"");
+    ProcessEnvironment::SetVariable(u"NO_PROXY", u"0.1.2.3");
+    EXPECT_EQ(proxyHost(), u"env-proxy");
+
+    // Without the system proxy switch the list is not looked at.
+    ProcessEnvironment::SetVariable(u"NO_PROXY", u"*");
+    settings.SetValue(u"UseDefaultSystemProxy", u"0");
+    EXPECT_EQ(proxyHost(), u"explicit");
 }
 
 TEST_F(ProxyTest, ProxyListsAsWinHttpGivesThem)

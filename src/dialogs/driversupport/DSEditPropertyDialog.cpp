@@ -45,39 +45,28 @@ bool DSEditPropertyDialog::Show(IDialogWindow* in_parent, Context* io_context)
 std::intptr_t DSEditPropertyDialog::ActionProc(IDialogWindow* in_window, std::uint32_t in_message,
                                                std::uintptr_t in_wParam, std::intptr_t in_lParam)
 {
-    switch (in_message)
+    const auto initialize = [&](Context* in_input) {
+        Initialize(in_window, in_input);
+        CheckEnableButtons(in_window);
+    };
+    if (const auto handled =
+            DSBaseDialog::RouteCommonMessages<Context>(in_window, in_message, in_lParam, NS, CLS, initialize))
     {
-        case WM_DESTROY:
-        case WM_NCDESTROY:
-            return 1;
-        case WM_INITDIALOG:
-        {
-            auto* context = reinterpret_cast<Context*>(in_lParam);
-            DSBaseDialog::GuardAction(in_window, context != nullptr ? context->logger : nullptr, NS, CLS, [&] {
-                Initialize(in_window, context);
-                CheckEnableButtons(in_window);
-            });
-            return 1;
-        }
-        case WM_COMMAND:
-        {
-            const int id = static_cast<int>(LowWord(in_wParam));
-            if (id == IDC_PROP_KEY || id == IDC_PROP_VALUE)
-            {
-                if (HighWord(in_wParam) != EN_CHANGE)
-                {
-                    return 0;
-                }
-                DSBaseDialog::GuardAction(in_window, LoggerOf(in_window), NS, CLS,
-                                          [&] { CheckEnableButtons(in_window); });
-                return 1;
-            }
-            return DSBaseDialog::RouteOkCancel(in_window, in_wParam, LoggerOf(in_window), NS, CLS, &DoOkAction,
-                                               &DoCancelAction);
-        }
-        default:
-            return 0;
+        return *handled;
     }
+    const int id = static_cast<int>(LowWord(in_wParam));
+    if (id == IDC_PROP_KEY || id == IDC_PROP_VALUE)
+    {
+        if (HighWord(in_wParam) != EN_CHANGE)
+        {
+            return 0;
+        }
+        DSBaseDialog::GuardAction(in_window, LoggerOf(in_window), NS, CLS,
+                                  [&] { CheckEnableButtons(in_window); });
+        return 1;
+    }
+    return DSBaseDialog::RouteOkCancel(in_window, in_wParam, LoggerOf(in_window), NS, CLS, &DoOkAction,
+                                       &DoCancelAction);
 }
 
 void DSEditPropertyDialog::Initialize(IDialogWindow* in_window, Context* io_context)

@@ -18,6 +18,8 @@ public:
         tarni_wstring key;
         tarni_wstring value;
         Support::ILogger* logger = nullptr;
+
+        Support::ILogger* GetLog() const { return logger; }
     };
 
     /// The name of the window property that holds the pair.

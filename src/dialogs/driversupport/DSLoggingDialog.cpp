@@ -60,22 +60,13 @@ bool DSLoggingDialog::Show(IDialogWindow* in_parent, DSDSNConfiguration* in_conf
 std::intptr_t DSLoggingDialog::ActionProc(IDialogWindow* in_window, std::uint32_t in_message,
                                           std::uintptr_t in_wParam, std::intptr_t in_lParam)
 {
-    switch (in_message)
+    const auto initialize = [&](DSDSNConfiguration* in_input) {
+        Initialize(in_window, in_input);
+    };
+    if (const auto handled =
+            RouteCommonMessages<DSDSNConfiguration>(in_window, in_message, in_lParam, NS, CLS, initialize))
     {
-        case WM_DESTROY:
-        case WM_NCDESTROY:
-            return 1;
-        case WM_INITDIALOG:
-        {
-            auto* configuration = reinterpret_cast<DSDSNConfiguration*>(in_lParam);
-            GuardAction(in_window, configuration != nullptr ? configuration->GetLog() : nullptr, NS, CLS,
-                        [&] { Initialize(in_window, configuration); });
-            return 1;
-        }
-        case WM_COMMAND:
-            break;
-        default:
-            return 0;
+        return *handled;
     }
     const int id = static_cast<int>(LowWord(in_wParam));
     const unsigned code = HighWord(in_wParam);

@@ -57,8 +57,7 @@ const std::pair<int, Field> FLOW_CONTROLS[] = {
 
 Support::ILogger* LoggerOf(IDialogWindow* in_window)
 {
-    auto* configuration = DSBaseDialog::GetInputMap<DSOAuthConfiguration>(in_window);
-    return configuration != nullptr ? configuration->GetLog() : nullptr;
+    return DSBaseDialog::InputMapLog<DSOAuthConfiguration>(in_window);
 }
 
 /// The flow selected in the list; nothing when none is.
@@ -82,43 +81,34 @@ bool DSOAuthOptionsDialog::Show(IDialogWindow* in_parent, DSOAuthConfiguration* 
 std::intptr_t DSOAuthOptionsDialog::ActionProc(IDialogWindow* in_window, std::uint32_t in_message,
                                                std::uintptr_t in_wParam, std::intptr_t in_lParam)
 {
-    switch (in_message)
+    const auto initialize = [&](DSOAuthConfiguration* in_input) {
+        Initialize(in_window, in_input);
+        CheckEnableButtons(in_window);
+    };
+    if (const auto handled =
+            RouteCommonMessages<DSOAuthConfiguration>(in_window, in_message, in_lParam, NS, CLS, initialize))
     {
-        case WM_DESTROY:
-        case WM_NCDESTROY:
-            return 1;
-        case WM_INITDIALOG:
-        {
-            auto* configuration = reinterpret_cast<DSOAuthConfiguration*>(in_lParam);
-            GuardAction(in_window, configuration != nullptr ? configuration->GetLog() : nullptr, NS, CLS, [&] {
-                Initialize(in_window, configuration);
-                CheckEnableButtons(in_window);
-            });
-            return 1;
-        }
-        case WM_COMMAND:
-            switch (LowWord(in_wParam))
+        return *handled;
+    }
+    switch (LowWord(in_wParam))
+    {
+        case IDC_OAUTH_FLOW:
+            if (HighWord(in_wParam) != CBN_SELCHANGE)
             {
-                case IDC_OAUTH_FLOW:
-                    if (HighWord(in_wParam) != CBN_SELCHANGE)
-                    {
-                        return 0;
-                    }
-                    GuardAction(in_window, LoggerOf(in_window), NS, CLS, [&] { CheckEnableButtons(in_window); });
-                    return 1;
-                case IDC_OAUTH_ENCRYPTION_OPTIONS:
-                    GuardAction(in_window, LoggerOf(in_window), NS, CLS,
-                                [&] { DoEncryptionOptionsAction(in_window); });
-                    return 1;
-                case IDC_OAUTH_SSL_OPTIONS:
-                    GuardAction(in_window, LoggerOf(in_window), NS, CLS, [&] { DoSSLOptionsAction(in_window); });
-                    return 1;
-                default:
-                    return RouteOkCancel(in_window, in_wParam, LoggerOf(in_window), NS, CLS, &DoOkAction,
-                                         &DoCancelAction);
+                return 0;
             }
+            GuardAction(in_window, LoggerOf(in_window), NS, CLS, [&] { CheckEnableButtons(in_window); });
+            return 1;
+        case IDC_OAUTH_ENCRYPTION_OPTIONS:
+            GuardAction(in_window, LoggerOf(in_window), NS, CLS,
+                        [&] { DoEncryptionOptionsAction(in_window); });
+            return 1;
+        case IDC_OAUTH_SSL_OPTIONS:
+            GuardAction(in_window, LoggerOf(in_window), NS, CLS, [&] { DoSSLOptionsAction(in_window); });
+            return 1;
         default:
-            return 0;
+            return RouteOkCancel(in_window, in_wParam, LoggerOf(in_window), NS, CLS, &DoOkAction,
+                                 &DoCancelAction);
     }
 }
 

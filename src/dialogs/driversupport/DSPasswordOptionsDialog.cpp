@@ -13,8 +13,7 @@ const char* const CLS = "DSPasswordOptionsDialog";
 
 Support::ILogger* LoggerOf(IDialogWindow* in_window)
 {
-    auto* configuration = DSBaseDialog::GetInputMap<DSUidPwdConfiguration>(in_window);
-    return configuration != nullptr ? configuration->GetLog() : nullptr;
+    return DSBaseDialog::InputMapLog<DSUidPwdConfiguration>(in_window);
 }
 }  // namespace
 
@@ -27,23 +26,15 @@ bool DSPasswordOptionsDialog::Show(IDialogWindow* in_parent, DSUidPwdConfigurati
 std::intptr_t DSPasswordOptionsDialog::ActionProc(IDialogWindow* in_window, std::uint32_t in_message,
                                                   std::uintptr_t in_wParam, std::intptr_t in_lParam)
 {
-    switch (in_message)
+    const auto initialize = [&](DSUidPwdConfiguration* in_input) {
+        Initialize(in_window, in_input);
+    };
+    if (const auto handled =
+            RouteCommonMessages<DSUidPwdConfiguration>(in_window, in_message, in_lParam, NS, CLS, initialize))
     {
-        case WM_DESTROY:
-        case WM_NCDESTROY:
-            return 1;
-        case WM_INITDIALOG:
-        {
-            auto* configuration = reinterpret_cast<DSUidPwdConfiguration*>(in_lParam);
-            GuardAction(in_window, configuration != nullptr ? configuration->GetLog() : nullptr, NS, CLS,
-                        [&] { Initialize(in_window, configuration); });
-            return 1;
-        }
-        case WM_COMMAND:
-            return RouteOkCancel(in_window, in_wParam, LoggerOf(in_window), NS, CLS, &DoOkAction, &DoCancelAction);
-        default:
-            return 0;
+        return *handled;
     }
+    return RouteOkCancel(in_window, in_wParam, LoggerOf(in_window), NS, CLS, &DoOkAction, &DoCancelAction);
 }
 
 void DSPasswordOptionsDialog::Initialize(IDialogWindow* in_window, DSUidPwdConfiguration* in_configuration)

@@ -20,8 +20,7 @@ const int PROXY_FIELDS[] = {IDC_PROXY_HOST, IDC_PROXY_PORT, IDC_PROXY_USER, IDC_
 
 Support::ILogger* LoggerOf(IDialogWindow* in_window)
 {
-    auto* configuration = DSBaseDialog::GetInputMap<DSProxyConfiguration>(in_window);
-    return configuration != nullptr ? configuration->GetLog() : nullptr;
+    return DSBaseDialog::InputMapLog<DSProxyConfiguration>(in_window);
 }
 }  // namespace
 
@@ -34,42 +33,31 @@ bool DSProxyConfigurationDialog::Show(IDialogWindow* in_parent, DSProxyConfigura
 std::intptr_t DSProxyConfigurationDialog::ActionProc(IDialogWindow* in_window, std::uint32_t in_message,
                                                      std::uintptr_t in_wParam, std::intptr_t in_lParam)
 {
-    switch (in_message)
+    const auto initialize = [&](DSProxyConfiguration* in_input) {
+        Initialize(in_window, in_input);
+        CheckEnableButtons(in_window);
+    };
+    if (const auto handled =
+            RouteCommonMessages<DSProxyConfiguration>(in_window, in_message, in_lParam, NS, CLS, initialize))
     {
-        case WM_DESTROY:
-        case WM_NCDESTROY:
-            return 1;
-        case WM_INITDIALOG:
-        {
-            auto* configuration = reinterpret_cast<DSProxyConfiguration*>(in_lParam);
-            GuardAction(in_window, configuration != nullptr ? configuration->GetLog() : nullptr, NS, CLS, [&] {
-                Initialize(in_window, configuration);
-                CheckEnableButtons(in_window);
-            });
-            return 1;
-        }
-        case WM_COMMAND:
-        {
-            const int id = static_cast<int>(LowWord(in_wParam));
-            const unsigned code = HighWord(in_wParam);
-            if (id == IDC_PROXY_USE || ((id == IDC_PROXY_HOST || id == IDC_PROXY_PORT) && code == EN_CHANGE))
-            {
-                GuardAction(in_window, LoggerOf(in_window), NS, CLS, [&] { CheckEnableButtons(in_window); });
-                return 1;
-            }
-            if (id == IDC_PROXY_PASSWORD_OPTIONS)
-            {
-                GuardAction(in_window, LoggerOf(in_window), NS, CLS, [&] {
-                    DSPasswordOptionsDialog::Show(in_window, GetInputMap<DSProxyConfiguration>(in_window));
-                    CheckEnableButtons(in_window);
-                });
-                return 1;
-            }
-            return RouteOkCancel(in_window, in_wParam, LoggerOf(in_window), NS, CLS, &DoOkAction, &DoCancelAction);
-        }
-        default:
-            return 0;
+        return *handled;
     }
+    const int id = static_cast<int>(LowWord(in_wParam));
+    const unsigned code = HighWord(in_wParam);
+    if (id == IDC_PROXY_USE || ((id == IDC_PROXY_HOST || id == IDC_PROXY_PORT) && code == EN_CHANGE))
+    {
+        GuardAction(in_window, LoggerOf(in_window), NS, CLS, [&] { CheckEnableButtons(in_window); });
+        return 1;
+    }
+    if (id == IDC_PROXY_PASSWORD_OPTIONS)
+    {
+        GuardAction(in_window, LoggerOf(in_window), NS, CLS, [&] {
+            DSPasswordOptionsDialog::Show(in_window, GetInputMap<DSProxyConfiguration>(in_window));
+            CheckEnableButtons(in_window);
+        });
+        return 1;
+    }
+    return RouteOkCancel(in_window, in_wParam, LoggerOf(in_window), NS, CLS, &DoOkAction, &DoCancelAction);
 }
 
 void DSProxyConfigurationDialog::Initialize(IDialogWindow* in_window, DSProxyConfiguration* in_configuration)

@@ -20,8 +20,8 @@ DSSSLDialog::State* StateOf(IDialogWindow* in_window) { return DSBaseDialog::Get
 
 Support::ILogger* LoggerOf(IDialogWindow* in_window)
 {
-    const DSSSLDialog::State* state = StateOf(in_window);
-    return state != nullptr && state->configuration != nullptr ? state->configuration->GetLog() : nullptr;
+    const auto* state = StateOf(in_window);
+    return state != nullptr ? state->GetLog() : nullptr;
 }
 
 tarni_wstring Switch(bool in_on) { return in_on ? u"1" : u"0"; }
@@ -44,22 +44,12 @@ bool DSSSLDialog::Show(IDialogWindow* in_parent, DSSSLConfiguration* in_configur
 std::intptr_t DSSSLDialog::ActionProc(IDialogWindow* in_window, std::uint32_t in_message, std::uintptr_t in_wParam,
                                       std::intptr_t in_lParam)
 {
-    switch (in_message)
+    const auto initialize = [&](State* in_input) {
+        Initialize(in_window, in_input);
+    };
+    if (const auto handled = RouteCommonMessages<State>(in_window, in_message, in_lParam, NS, CLS, initialize))
     {
-        case WM_DESTROY:
-        case WM_NCDESTROY:
-            return 1;
-        case WM_INITDIALOG:
-        {
-            auto* state = reinterpret_cast<State*>(in_lParam);
-            GuardAction(in_window, state != nullptr ? state->configuration->GetLog() : nullptr, NS, CLS,
-                        [&] { Initialize(in_window, state); });
-            return 1;
-        }
-        case WM_COMMAND:
-            break;
-        default:
-            return 0;
+        return *handled;
     }
     const int id = static_cast<int>(LowWord(in_wParam));
     if (HighWord(in_wParam) != BN_CLICKED)

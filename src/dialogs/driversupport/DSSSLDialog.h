@@ -20,6 +20,8 @@ public:
         bool mayChangeSsl = true;
         /// The user clicked "Enable SSL" while the dialog was open.
         bool sslToggled = false;
+
+        Support::ILogger* GetLog() const { return configuration != nullptr ? configuration->GetLog() : nullptr; }
     };
 
     /// Runs the variant the configuration asks for (1091 with two-way SSL

@@ -7,6 +7,7 @@
 // GuardAction, which turns a setup error or an ErrorException into the
 // "DSN Configuration Error" box and keeps the dialog open.
 #include <cstdint>
+#include <optional>
 
 #include "dialogs/framework/DSResourceText.h"
 #include "driversupport/DSSetupException.h"
@@ -37,6 +38,46 @@ public:
     static T* GetInputMap(Platform::IDialogWindow* in_window)
     {
         return static_cast<T*>(in_window->GetProperty(INPUT_MAP_PROPERTY));
+    }
+
+    /// The logger of the window's input map, through its GetLog(); null
+    /// before WM_INITDIALOG has stored the input map.
+    template <typename Input>
+    static Support::ILogger* InputMapLog(Platform::IDialogWindow* in_window)
+    {
+        const Input* input = GetInputMap<Input>(in_window);
+        return input != nullptr ? input->GetLog() : nullptr;
+    }
+
+    // --- the messages every dialog answers alike ---
+    /// WM_DESTROY and WM_NCDESTROY give 1. WM_INITDIALOG runs in_initialize
+    /// with the creation parameter (an Input*, which offers GetLog()) under
+    /// GuardAction and gives 1. A WM_COMMAND gives nothing: the dialog routes
+    /// its own commands. Every other message gives 0.
+    template <typename Input, typename Initialize>
+    static std::optional<std::intptr_t> RouteCommonMessages(Platform::IDialogWindow* in_window,
+                                                            std::uint32_t in_message, std::intptr_t in_lParam,
+                                                            const char* in_namespace, const char* in_class,
+                                                            Initialize&& in_initialize)
+    {
+        using namespace Platform;
+        switch (in_message)
+        {
+            case WM_DESTROY:
+            case WM_NCDESTROY:
+                return 1;
+            case WM_INITDIALOG:
+            {
+                auto* input = reinterpret_cast<Input*>(in_lParam);
+                GuardAction(in_window, input != nullptr ? input->GetLog() : nullptr, in_namespace, in_class,
+                            [&] { in_initialize(input); });
+                return 1;
+            }
+            case WM_COMMAND:
+                return std::nullopt;
+            default:
+                return 0;
+        }
     }
 
     // --- error handling around a routed operation ---

@@ -24,8 +24,8 @@ QuillAOSSDialog::State* StateOf(IDialogWindow* in_window)
 
 Support::ILogger* LoggerOf(IDialogWindow* in_window)
 {
-    const QuillAOSSDialog::State* state = StateOf(in_window);
-    return state != nullptr && state->configuration != nullptr ? state->configuration->GetLog() : nullptr;
+    const auto* state = StateOf(in_window);
+    return state != nullptr ? state->GetLog() : nullptr;
 }
 
 bool UserNameAndPasswordSelected(IDialogWindow* in_window)
@@ -46,22 +46,13 @@ bool QuillAOSSDialog::Show(IDialogWindow* in_parent, QuillConfiguration* in_conf
 std::intptr_t QuillAOSSDialog::ActionProc(IDialogWindow* in_window, std::uint32_t in_message,
                                           std::uintptr_t in_wParam, std::intptr_t in_lParam)
 {
-    switch (in_message)
+    const auto initialize = [&](State* in_input) {
+        Initialize(in_window, in_input);
+    };
+    if (const auto handled =
+            DSBaseDialog::RouteCommonMessages<State>(in_window, in_message, in_lParam, NS, CLS, initialize))
     {
-        case WM_DESTROY:
-        case WM_NCDESTROY:
-            return 1;
-        case WM_INITDIALOG:
-        {
-            auto* state = reinterpret_cast<State*>(in_lParam);
-            DSBaseDialog::GuardAction(in_window, state != nullptr ? state->configuration->GetLog() : nullptr, NS, CLS,
-                                      [&] { Initialize(in_window, state); });
-            return 1;
-        }
-        case WM_COMMAND:
-            break;
-        default:
-            return 0;
+        return *handled;
     }
     const int id = static_cast<int>(LowWord(in_wParam));
     const unsigned code = HighWord(in_wParam);

@@ -19,6 +19,8 @@ public:
         QuillConfiguration* configuration = nullptr;
         /// Clear: the configuration is shown read-only (the combo is disabled).
         bool allowEditing = true;
+
+        Support::ILogger* GetLog() const { return configuration != nullptr ? configuration->GetLog() : nullptr; }
     };
 
     /// The two entries of the authentication combo, in order.

@@ -36,7 +36,7 @@ QuillTempTableDialog::Input* InputOf(IDialogWindow* in_window)
 Support::ILogger* LoggerOf(IDialogWindow* in_window)
 {
     const auto* input = InputOf(in_window);
-    return input != nullptr && input->configuration != nullptr ? input->configuration->GetLog() : nullptr;
+    return input != nullptr ? input->GetLog() : nullptr;
 }
 }  // namespace
 
@@ -49,36 +49,23 @@ bool QuillTempTableDialog::Show(IDialogWindow* in_parent, Input* in_input)
 std::intptr_t QuillTempTableDialog::ActionProc(IDialogWindow* in_window, std::uint32_t in_message,
                                                std::uintptr_t in_wParam, std::intptr_t in_lParam)
 {
-    switch (in_message)
+    const auto initialize = [&](Input* in_input) {
+        Initialize(in_window, in_input);
+        CheckEnableButtons(in_window);
+    };
+    if (const auto handled =
+            DSBaseDialog::RouteCommonMessages<Input>(in_window, in_message, in_lParam, NS, CLS, initialize))
     {
-        case WM_DESTROY:
-        case WM_NCDESTROY:
-            return 1;
-        case WM_INITDIALOG:
-        {
-            auto* input = reinterpret_cast<Input*>(in_lParam);
-            DSBaseDialog::GuardAction(in_window,
-                                      input != nullptr && input->configuration != nullptr
-                                          ? input->configuration->GetLog()
-                                          : nullptr,
-                                      NS, CLS, [&] {
-                                          Initialize(in_window, input);
-                                          CheckEnableButtons(in_window);
-                                      });
-            return 1;
-        }
-        case WM_COMMAND:
-            if (LowWord(in_wParam) == IDC_TT_ENABLE_TEMP_TABLE)
-            {
-                DSBaseDialog::GuardAction(in_window, LoggerOf(in_window), NS, CLS,
-                                          [&] { CheckEnableButtons(in_window); });
-                return 1;
-            }
-            return DSBaseDialog::RouteOkCancel(in_window, in_wParam, LoggerOf(in_window), NS, CLS, &DoOkAction,
-                                               &DoCancelAction);
-        default:
-            return 0;
+        return *handled;
     }
+    if (LowWord(in_wParam) == IDC_TT_ENABLE_TEMP_TABLE)
+    {
+        DSBaseDialog::GuardAction(in_window, LoggerOf(in_window), NS, CLS,
+                                  [&] { CheckEnableButtons(in_window); });
+        return 1;
+    }
+    return DSBaseDialog::RouteOkCancel(in_window, in_wParam, LoggerOf(in_window), NS, CLS, &DoOkAction,
+                                       &DoCancelAction);
 }
 
 void QuillTempTableDialog::Initialize(IDialogWindow* in_window, Input* in_input)

@@ -15,6 +15,8 @@ public:
     {
         DriverSupport::DSDSNConfiguration* configuration = nullptr;
         bool allowEditing = true;
+
+        Support::ILogger* GetLog() const { return configuration != nullptr ? configuration->GetLog() : nullptr; }
     };
 
     /// The port stored when the one entered is 65536 or more, or the stored

@@ -16,8 +16,7 @@ const char* const CLS = "QuillZkDialog";
 
 Support::ILogger* LoggerOf(IDialogWindow* in_window)
 {
-    auto* configuration = DSBaseDialog::GetInputMap<DSDSNConfiguration>(in_window);
-    return configuration != nullptr ? configuration->GetLog() : nullptr;
+    return DSBaseDialog::InputMapLog<DSDSNConfiguration>(in_window);
 }
 }  // namespace
 
@@ -30,34 +29,24 @@ bool QuillZkDialog::Show(IDialogWindow* in_parent, DSDSNConfiguration* in_config
 std::intptr_t QuillZkDialog::ActionProc(IDialogWindow* in_window, std::uint32_t in_message, std::uintptr_t in_wParam,
                                         std::intptr_t in_lParam)
 {
-    switch (in_message)
+    const auto initialize = [&](DSDSNConfiguration* in_input) {
+        Initialize(in_window, in_input);
+        CheckEnableButtons(in_window);
+    };
+    if (const auto handled =
+            DSBaseDialog::RouteCommonMessages<DSDSNConfiguration>(in_window, in_message, in_lParam, NS, CLS, initialize))
     {
-        case WM_DESTROY:
-        case WM_NCDESTROY:
-            return 1;
-        case WM_INITDIALOG:
-        {
-            auto* configuration = reinterpret_cast<DSDSNConfiguration*>(in_lParam);
-            DSBaseDialog::GuardAction(in_window, configuration != nullptr ? configuration->GetLog() : nullptr, NS,
-                                      CLS, [&] {
-                                          Initialize(in_window, configuration);
-                                          CheckEnableButtons(in_window);
-                                      });
-            return 1;
-        }
-        case WM_COMMAND:
-            if (LowWord(in_wParam) == IDC_ZK_NAMESPACE)
-            {
-                // Any notification of the namespace field.
-                DSBaseDialog::GuardAction(in_window, LoggerOf(in_window), NS, CLS,
-                                          [&] { CheckEnableButtons(in_window); });
-                return 1;
-            }
-            return DSBaseDialog::RouteOkCancel(in_window, in_wParam, LoggerOf(in_window), NS, CLS, &DoOkAction,
-                                               &DoCancelAction);
-        default:
-            return 0;
+        return *handled;
     }
+    if (LowWord(in_wParam) == IDC_ZK_NAMESPACE)
+    {
+        // Any notification of the namespace field.
+        DSBaseDialog::GuardAction(in_window, LoggerOf(in_window), NS, CLS,
+                                  [&] { CheckEnableButtons(in_window); });
+        return 1;
+    }
+    return DSBaseDialog::RouteOkCancel(in_window, in_wParam, LoggerOf(in_window), NS, CLS, &DoOkAction,
+                                       &DoCancelAction);
 }
 
 void QuillZkDialog::Initialize(IDialogWindow* in_window, DSDSNConfiguration* in_configuration)

@@ -16,8 +16,7 @@ const char* const CLS = "TEDFIDialog";
 
 Support::ILogger* LoggerOf(IDialogWindow* in_window)
 {
-    auto* configuration = DSBaseDialog::GetInputMap<TEDFIConfiguration>(in_window);
-    return configuration != nullptr ? configuration->GetLog() : nullptr;
+    return DSBaseDialog::InputMapLog<TEDFIConfiguration>(in_window);
 }
 }  // namespace
 
@@ -30,36 +29,28 @@ bool TEDFIDialog::Show(IDialogWindow* in_parent, TEDFIConfiguration* in_configur
 std::intptr_t TEDFIDialog::ActionProc(IDialogWindow* in_window, std::uint32_t in_message, std::uintptr_t in_wParam,
                                       std::intptr_t in_lParam)
 {
-    switch (in_message)
+    const auto initialize = [&](TEDFIConfiguration* in_input) {
+        Initialize(in_window, in_input);
+    };
+    if (const auto handled =
+            RouteCommonMessages<TEDFIConfiguration>(in_window, in_message, in_lParam, NS, CLS, initialize))
     {
-        case WM_DESTROY:
-        case WM_NCDESTROY:
+        return *handled;
+    }
+    switch (LowWord(in_wParam))
+    {
+        case IDC_DFI_BROWSE:
+            GuardAction(in_window, LoggerOf(in_window), NS, CLS, [&] { BrowseForConfigFile(in_window); });
             return 1;
-        case WM_INITDIALOG:
-        {
-            auto* configuration = reinterpret_cast<TEDFIConfiguration*>(in_lParam);
-            GuardAction(in_window, configuration != nullptr ? configuration->GetLog() : nullptr, NS, CLS,
-                        [&] { Initialize(in_window, configuration); });
+        case IDC_DFI_PASSWORD_OPTIONS:
+            GuardAction(in_window, LoggerOf(in_window), NS, CLS, [&] {
+                DriverSupport::DSPasswordOptionsDialog::Show(in_window,
+                                                             GetInputMap<TEDFIConfiguration>(in_window));
+            });
             return 1;
-        }
-        case WM_COMMAND:
-            switch (LowWord(in_wParam))
-            {
-                case IDC_DFI_BROWSE:
-                    GuardAction(in_window, LoggerOf(in_window), NS, CLS, [&] { BrowseForConfigFile(in_window); });
-                    return 1;
-                case IDC_DFI_PASSWORD_OPTIONS:
-                    GuardAction(in_window, LoggerOf(in_window), NS, CLS, [&] {
-                        DriverSupport::DSPasswordOptionsDialog::Show(in_window,
-                                                                     GetInputMap<TEDFIConfiguration>(in_window));
-                    });
-                    return 1;
-                default:
-                    return RouteOkCancel(in_window, in_wParam, LoggerOf(in_window), NS, CLS, &DoOkAction,
-                                         &DoCancelAction);
-            }
         default:
-            return 0;
+            return RouteOkCancel(in_window, in_wParam, LoggerOf(in_window), NS, CLS, &DoOkAction,
+                                 &DoCancelAction);
     }
 }
 

@@ -20,8 +20,7 @@ constexpr const char16_t* FLOW_TOKEN = u"token";
 
 Support::ILogger* LoggerOf(IDialogWindow* in_window)
 {
-    auto* configuration = DriverSupport::DSBaseDialog::GetInputMap<DSDSNConfiguration>(in_window);
-    return configuration != nullptr ? configuration->GetLog() : nullptr;
+    return DriverSupport::DSBaseDialog::InputMapLog<DSDSNConfiguration>(in_window);
 }
 }  // namespace
 
@@ -34,23 +33,15 @@ bool TESAMLDialog::Show(IDialogWindow* in_parent, DSDSNConfiguration* in_configu
 std::intptr_t TESAMLDialog::ActionProc(IDialogWindow* in_window, std::uint32_t in_message, std::uintptr_t in_wParam,
                                        std::intptr_t in_lParam)
 {
-    switch (in_message)
+    const auto initialize = [&](DSDSNConfiguration* in_input) {
+        Initialize(in_window, in_input);
+    };
+    if (const auto handled =
+            RouteCommonMessages<DSDSNConfiguration>(in_window, in_message, in_lParam, NS, CLS, initialize))
     {
-        case WM_DESTROY:
-        case WM_NCDESTROY:
-            return 1;
-        case WM_INITDIALOG:
-        {
-            auto* configuration = reinterpret_cast<DSDSNConfiguration*>(in_lParam);
-            GuardAction(in_window, configuration != nullptr ? configuration->GetLog() : nullptr, NS, CLS,
-                        [&] { Initialize(in_window, configuration); });
-            return 1;
-        }
-        case WM_COMMAND:
-            return RouteOkCancel(in_window, in_wParam, LoggerOf(in_window), NS, CLS, &DoOkAction, &DoCancelAction);
-        default:
-            return 0;
+        return *handled;
     }
+    return RouteOkCancel(in_window, in_wParam, LoggerOf(in_window), NS, CLS, &DoOkAction, &DoCancelAction);
 }
 
 void TESAMLDialog::Initialize(IDialogWindow* in_window, DSDSNConfiguration* in_configuration)

@@ -1232,11 +1232,14 @@ void TerminalDialogWindow::PlaceCaret()
 std::wstring TerminalDialogWindow::GetStatusText() const
 {
     std::wstring status;
-    std::wstring enter = L"Enter: OK";
+    std::wstring enter = L"Enter: OK  ";
     const int defaultIndex = DefaultButtonIndex();
     if (defaultIndex >= 0)
     {
-        enter = L"Enter: " + m_controls[static_cast<std::size_t>(defaultIndex)].label.text;
+        // Enter only beeps while the default button is disabled or hidden,
+        // so the line offers it only when it does something.
+        const TerminalControl& button = m_controls[static_cast<std::size_t>(defaultIndex)];
+        enter = button.enabled && button.visible ? L"Enter: " + button.label.text + L"  " : std::wstring();
     }
     if (m_focus >= 0)
     {
@@ -1259,10 +1262,10 @@ std::wstring TerminalDialogWindow::GetStatusText() const
             status = L"Up/Down: select  ";
             if (source.HasStyle(DialogStyle::LBS_NOTIFY) && control.selection >= 0)
             {
-                enter = L"Enter: open entry";
+                enter = L"Enter: open entry  ";
             }
         }
     }
-    return status + L"Tab/Shift-Tab: move  " + enter + L"  Esc: Cancel";
+    return status + L"Tab/Shift-Tab: move  " + enter + L"Esc: Cancel";
 }
 }  // namespace Tarni::Platform

@@ -295,13 +295,16 @@ TEST_F(DriverConfigTerminalTest, ZooKeeperOkGreysOutWhileTheNamespaceIsEmpty)
     ASSERT_TRUE(m_session->WaitFor([&](const std::string& s) { return firstOk(s).find("\x1b[2m") != std::string::npos; },
                                    true))
         << m_session->Screen(true);
-    m_session->Key("Enter");  // a disabled OK does nothing
+    // A disabled OK does nothing, and the status line does not offer it.
+    EXPECT_EQ(m_session->LineWith("Esc: Cancel").find("Enter: OK"), std::string::npos) << m_session->Screen();
+    m_session->Key("Enter");
     std::this_thread::sleep_for(std::chrono::milliseconds(300));
     EXPECT_NE(m_session->Screen().find("ZooKeeper Namespace:"), std::string::npos);
 
     m_session->Type("prod");
     ASSERT_TRUE(m_session->WaitFor([&](const std::string& s) { return firstOk(s).find("\x1b[2m") == std::string::npos; },
                                    true));
+    EXPECT_NE(m_session->LineWith("Esc: Cancel").find("Enter: OK"), std::string::npos) << m_session->Screen();
     m_session->Key("Enter");
     ASSERT_TRUE(m_session->WaitFor([](const std::string& s) { return s.find("ZooKeeper Namespace:") == std::string::npos; }));
     // Escape in the dialog keeps the namespace: open it again and cancel.
