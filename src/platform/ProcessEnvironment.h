@@ -26,7 +26,9 @@ public:
     /// Windows they come from the wide command line; elsewhere from argv,
     /// whose bytes must be UTF-8 (else SupportException "InvalidUtf8Err").
     static std::vector<tarni_wstring> GetArguments(int in_argc, char** in_argv);
-    /// Makes the console show UTF-8 output (Windows code page; nothing elsewhere).
+    /// Makes the console show UTF-8 output (the Windows code page) and a
+    /// write to a closed pipe an error the program sees (POSIX) rather than
+    /// the end of the process.
     static void PrepareConsole();
     /// True where the driver-wide store is an INI file (Linux), false where it
     /// is the registry (Windows).

@@ -1,6 +1,7 @@
 #include "product/QDCConfiguration.h"
 
 #include "driversupport/ConfigurationKeys.h"
+#include "driversupport/DSEncryptionUtils.h"
 #include "driversupport/DSProductHelper.h"
 #include "driversupport/ProductSettingKeys.h"
 #include "core/ErrorException.h"
@@ -108,47 +109,36 @@ void QDCConfiguration::Load(const DriverSupport::ConfigurationMap& in_values)
     InitializeComponentsAfterLoad();
 }
 
-void QDCConfiguration::Save()
+std::vector<DriverSupport::DSStoreChange> QDCConfiguration::Save()
 {
     TARNI_LOG_ENTRY(m_logger, NS, CLS, "Save");
-    const bool suppressServiceDiscovery =
-        DriverSupport::DSProductHelper::IsSettingOne(DriverSupport::ProductSettingKeys::SupressServiceDiscovery);
-    // What the store holds now, to find secrets that must leave it.
-    const std::vector<Platform::StoredValue> present = m_store.ReadAll();
     // Finalising turns typed secrets into their protected forms; a failed
     // save puts the map back as it was, so the dialog that is still open
     // keeps what the user typed and a later save starts from it again.
     const DriverSupport::ConfigurationMap before = m_map;
-    m_store.BeginUpdate();
+    std::vector<DriverSupport::DSStoreChange> changes;
+    bool updating = false;
     try
     {
-        FinalizeComponentsBeforeSave();
-        for (const auto& [key, value] : m_map)
+        DriverSupport::DSStoreChangeRecorder recorder = RecordSave();
+        changes = recorder.GetChanges(SameSecret());
+        // Only values that differ are written: a save that changes nothing
+        // leaves the store (the file, its modification time) untouched.
+        if (!changes.empty())
         {
-            if (suppressServiceDiscovery && (StringConverter::EqualsIgnoreCase(key, Keys::ServiceDiscoveryMode) ||
-                                             StringConverter::EqualsIgnoreCase(key, Keys::ZKNamespace)))
-            {
-                continue;
-            }
-            if (IsDriverWideKey(key))
-            {
-                m_store.WriteValue(key, value);
-            }
+            m_store.BeginUpdate();
+            updating = true;
+            recorder.Replay(m_store, changes);
+            m_store.CommitUpdate();
         }
-        DeleteSecretsNoLongerKept(present);
-        SaveLoggingProperties(m_store);
-        m_serverSideProperties.Save(m_store);
-        m_httpHeaders.Save(m_store);
-        for (const tarni_wstring& key : m_keysToDelete)
-        {
-            m_store.DeleteValue(key);
-        }
-        m_store.CommitUpdate();
         m_keysToDelete.clear();
     }
     catch (const Support::ErrorException& e)
     {
-        m_store.AbortUpdate();
+        if (updating)
+        {
+            m_store.AbortUpdate();
+        }
         m_map = before;
         if (m_logger != nullptr)
         {
@@ -158,10 +148,104 @@ void QDCConfiguration::Save()
     }
     catch (...)
     {
-        m_store.AbortUpdate();
+        if (updating)
+        {
+            m_store.AbortUpdate();
+        }
         m_map = before;
         throw;
     }
+    return changes;
+}
+
+std::vector<DriverSupport::DSStoreChange> QDCConfiguration::PlanSave()
+{
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "PlanSave");
+    const DriverSupport::ConfigurationMap before = m_map;
+    try
+    {
+        const auto changes = RecordSave().GetChanges(SameSecret());
+        m_map = before;
+        return changes;
+    }
+    catch (...)
+    {
+        m_map = before;
+        throw;
+    }
+}
+
+DriverSupport::DSStoreChangeRecorder QDCConfiguration::RecordSave()
+{
+    const bool suppressServiceDiscovery =
+        DriverSupport::DSProductHelper::IsSettingOne(DriverSupport::ProductSettingKeys::SupressServiceDiscovery);
+    // What the store holds now: the starting point of the comparison, and
+    // where secrets that must leave the store are found.
+    const std::vector<Platform::StoredValue> present = m_store.ReadAll();
+    DriverSupport::DSStoreChangeRecorder recorder(present, m_store.GetLocation());
+    FinalizeComponentsBeforeSave();
+    for (const auto& [key, value] : m_map)
+    {
+        if (suppressServiceDiscovery && (StringConverter::EqualsIgnoreCase(key, Keys::ServiceDiscoveryMode) ||
+                                         StringConverter::EqualsIgnoreCase(key, Keys::ZKNamespace)))
+        {
+            continue;
+        }
+        if (IsDriverWideKey(key))
+        {
+            recorder.WriteValue(key, value);
+        }
+    }
+    // Before the steps that write their own keys: a switch of a group
+    // (LCaseSspKeyName) that an import leaves out of the map is still
+    // written by its group, and must not be deleted after that.
+    for (const tarni_wstring& key : m_keysToDelete)
+    {
+        recorder.DeleteValue(key);
+    }
+    DeleteSecretsNoLongerKept(recorder, present);
+    SaveLoggingProperties(recorder);
+    m_serverSideProperties.Save(recorder);
+    m_httpHeaders.Save(recorder);
+    return recorder;
+}
+
+DriverSupport::DSStoreChangeRecorder::EquivalentValues QDCConfiguration::SameSecret() const
+{
+    // Each protection of a secret gives another text: two protected texts
+    // of a credential are the same value when both recover to the same
+    // secret in the same scope. One that cannot be recovered is a change.
+    return [this](tarni_wstring_view in_name, tarni_wstring_view in_before, tarni_wstring_view in_after) {
+        if (FindCredentialByProtectedKey(in_name) == nullptr ||
+            !DriverSupport::DSEncryptionUtils::HasProtectedForm(in_before) ||
+            !DriverSupport::DSEncryptionUtils::HasProtectedForm(in_after))
+        {
+            return false;
+        }
+        try
+        {
+            const auto was = DriverSupport::DSEncryptionUtils::Decrypt(in_before, in_name);
+            const auto now = DriverSupport::DSEncryptionUtils::Decrypt(in_after, in_name);
+            return was.value == now.value && was.scope == now.scope;
+        }
+        catch (const Support::ErrorException&)
+        {
+            return false;
+        }
+    };
+}
+
+const DriverSupport::DSUidPwdConfiguration* QDCConfiguration::FindCredentialByProtectedKey(
+    tarni_wstring_view in_key) const
+{
+    for (const DriverSupport::DSUidPwdConfiguration* credential : GetCredentialComponents())
+    {
+        if (StringConverter::EqualsIgnoreCase(credential->GetKeySet().EncryptedPwd(), in_key))
+        {
+            return credential;
+        }
+    }
+    return nullptr;
 }
 
 void QDCConfiguration::RefuseEmptyPropertyNames(const std::vector<Platform::StoredValue>& in_stored) const
@@ -178,7 +262,8 @@ void QDCConfiguration::RefuseEmptyPropertyNames(const std::vector<Platform::Stor
     }
 }
 
-void QDCConfiguration::DeleteSecretsNoLongerKept(const std::vector<Platform::StoredValue>& in_present)
+void QDCConfiguration::DeleteSecretsNoLongerKept(Platform::ISettingsStore& io_store,
+                                                 const std::vector<Platform::StoredValue>& in_present)
 {
     // A protected password that the credential no longer keeps (the user
     // chose no encryption, or removed the password) is absent from the map
@@ -197,7 +282,7 @@ void QDCConfiguration::DeleteSecretsNoLongerKept(const std::vector<Platform::Sto
             {
                 if (StringConverter::EqualsIgnoreCase(stored.name, key))
                 {
-                    m_store.DeleteValue(stored.name);
+                    io_store.DeleteValue(stored.name);
                 }
             }
         }

@@ -6,6 +6,8 @@
 #include <vector>
 
 #include "driversupport/DSServerSidePropertyGroup.h"
+#include "driversupport/DSStoreChange.h"
+#include "driversupport/DSStoreChangeRecorder.h"
 #include "product/QuillConfiguration.h"
 
 namespace Tarni::SparkODBC
@@ -29,9 +31,20 @@ public:
     void Load(const DriverSupport::ConfigurationMap& in_values) override;
 
     /// Finalises the components (secrets are protected here), writes every
-    /// driver-wide key of the map, the logging properties and the groups. On
-    /// stores that can, the whole save is applied at once or not at all.
-    void Save();
+    /// driver-wide key of the map, the logging properties and the groups,
+    /// except the values the store already holds: a save that changes
+    /// nothing writes nothing. A secret whose stored protected form recovers
+    /// to the same secret in the same scope keeps that form. On stores that
+    /// can, the whole save is applied at once or not at all. Returns the
+    /// stored values it changed.
+    std::vector<DriverSupport::DSStoreChange> Save();
+
+    /// What Save would change in the store now, without writing anything;
+    /// the configuration stays as it is.
+    std::vector<DriverSupport::DSStoreChange> PlanSave();
+
+    /// The credential whose protected form is stored under in_key, or null.
+    const DriverSupport::DSUidPwdConfiguration* FindCredentialByProtectedKey(tarni_wstring_view in_key) const;
 
     /// False for the logging keys (written by their own step), the six
     /// data-source keys "Driver", "DSN", "DESCRIPTION", "Host", "Port",
@@ -59,7 +72,11 @@ protected:
 private:
     DriverSupport::DSPrefixedPropertyGroup* GroupOf(tarni_wstring_view in_key);
     void RefuseEmptyPropertyNames(const std::vector<Platform::StoredValue>& in_stored) const;
-    void DeleteSecretsNoLongerKept(const std::vector<Platform::StoredValue>& in_present);
+    void DeleteSecretsNoLongerKept(Platform::ISettingsStore& io_store,
+                                   const std::vector<Platform::StoredValue>& in_present);
+    /// Runs the save against a recorder over the store's present values.
+    DriverSupport::DSStoreChangeRecorder RecordSave();
+    DriverSupport::DSStoreChangeRecorder::EquivalentValues SameSecret() const;
 
     DriverSupport::DSServerSidePropertyGroup& m_serverSideProperties;
     DriverSupport::DSPrefixedPropertyGroup& m_httpHeaders;

@@ -223,3 +223,31 @@ TEST_F(DriverSecrets, AMissingCryptoLibraryFailsTheSaveBeforeAnythingIsWritten)
     }
     EXPECT_EQ(before, StoreBytes());
 }
+
+TEST_F(DriverSecrets, ASaveOfWhatIsStoredWritesNothingAndAChangedSecretOnlyItsOwnKey)
+{
+    SaveAllSecrets();
+    const std::string stored = StoreBytes();
+    const std::string untouched = Stored(u"AOSS_EncryptedPWD");
+    // Loaded, recovered and protected again: every secret is the one stored.
+    auto config = Load();
+    EXPECT_TRUE(config->PlanSave().empty());
+    EXPECT_TRUE(config->Save().empty());
+    EXPECT_EQ(stored, StoreBytes());
+
+    config = Load();
+    config->FindCredentialBySecretKey(u"PWD")->SetPwd(u"another");
+    config->FindCredentialBySecretKey(u"ProxyPWD")->SetDPAPIEncryptForAllUsers(false);
+    const auto planned = config->PlanSave();
+    EXPECT_EQ(stored, StoreBytes());
+    const auto changes = config->Save();
+    ASSERT_EQ(2u, changes.size());
+    ASSERT_EQ(planned.size(), changes.size());
+    EXPECT_EQ(u"EncryptedPWD", changes[0].name);
+    EXPECT_EQ(u"ProxyEncryptedPWD", changes[1].name);
+    EXPECT_EQ(planned[1].name, changes[1].name);
+    EXPECT_EQ(untouched, Stored(u"AOSS_EncryptedPWD"));
+    config = Load();
+    EXPECT_EQ(u"another", config->FindCredentialBySecretKey(u"PWD")->GetPwd());
+    EXPECT_FALSE(config->FindCredentialBySecretKey(u"ProxyPWD")->IsDPAPIEncryptForAllUsers());
+}

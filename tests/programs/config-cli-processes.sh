@@ -3,7 +3,8 @@
 # file each keep their key; the file's other sections and comments survive;
 # unreadable, unwritable and read-only files give an error naming the file and
 # leave it as it was; a FIFO is refused without waiting; show and get fail
-# when standard output cannot be written. Permission checks run as an unprivileged user when we are root.
+# when standard output cannot be written, and so do JSON documents and change
+# reports, also into a closed pipe. Permission checks run as an unprivileged user when we are root.
 set -u
 cli=$1
 dir=$(mktemp -d)
@@ -79,5 +80,20 @@ if [ -w /dev/full ]; then
   [ $rc -eq 1 ] || fail "get to a full disk: exit $rc"
 fi
 
-echo "$((48 - failures)) passed, $failures failed"
+# Reports and JSON documents fail as a whole: on a full disk and into a pipe
+# whose reader has gone, exit 1 with a message (not a signal, not a partial
+# document presented as complete).
+if [ -w /dev/full ]; then
+  out=$("$cli" --ini "$ini" show --json 2>&1 >/dev/full); rc=$?
+  [ $rc -eq 1 ] || fail "show --json to a full disk: exit $rc"
+  echo "$out" | grep -q "cannot write to standard output" || fail "show --json to a full disk: $out"
+  out=$("$cli" --ini "$ini" --json set Concurrent1=changed 2>&1 >/dev/full); rc=$?
+  [ $rc -eq 1 ] || fail "change report to a full disk: exit $rc"
+  echo "$out" | grep -q '^{"error":"cannot write to standard output' || fail "JSON error on a full disk: $out"
+fi
+{ sleep 0.5; "$cli" --ini "$ini" show --json 2>"$dir/pipe.err"; echo $? >"$dir/pipe.rc"; } | true
+[ "$(cat "$dir/pipe.rc")" = 1 ] || fail "show --json into a closed pipe: exit $(cat "$dir/pipe.rc")"
+grep -q "cannot write to standard output" "$dir/pipe.err" || fail "closed pipe: $(cat "$dir/pipe.err")"
+
+echo "$((53 - failures)) passed, $failures failed"
 [ $failures -eq 0 ]

@@ -1,5 +1,7 @@
 #include "platform/ProcessEnvironment.h"
 
+#include <csignal>
+
 #include <pwd.h>
 #include <unistd.h>
 
@@ -79,7 +81,12 @@ std::vector<tarni_wstring> ProcessEnvironment::GetArguments(int in_argc, char** 
     return arguments;
 }
 
-void ProcessEnvironment::PrepareConsole() {}
+void ProcessEnvironment::PrepareConsole()
+{
+    // A reader that goes away (a closed pipe) makes the next write fail with
+    // EPIPE, which the program reports, instead of ending it silently.
+    std::signal(SIGPIPE, SIG_IGN);
+}
 
 bool ProcessEnvironment::UsesIniStore()
 {

@@ -1,4 +1,5 @@
 #include "programs/config-cli/ConfigCommandLine.h"
+#include "programs/config-cli/ConfigChangeReport.h"
 #include "programs/config-cli/ConfigTransferCommands.h"
 
 #include <algorithm>
@@ -6,6 +7,9 @@
 #include <memory>
 #include <optional>
 
+#include <nlohmann/json.hpp>
+
+#include "driversupport/DSConfigurationFile.h"
 #include "driversupport/DSEncryptionUtils.h"
 #include "driversupport/DSProductHelper.h"
 #include "driversupport/DSServerSidePropertyGroup.h"
@@ -27,9 +31,21 @@ using Support::StringConverter;
 
 namespace
 {
+const char* const PROGRAM = "tarni-spark-config: ";
+
 std::string U8(tarni_wstring_view in_text)
 {
     return StringConverter::ToUtf8(in_text);
+}
+
+std::string Dump(const nlohmann::ordered_json& in_json)
+{
+    return in_json.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
+}
+
+bool TakesOneFile(tarni_wstring_view in_command)
+{
+    return in_command == u"export" || in_command == u"import" || in_command == u"diff";
 }
 }  // namespace
 
@@ -40,7 +56,7 @@ ConfigCommandLine::ConfigCommandLine(std::istream& io_in, std::ostream& io_out, 
 
 const char* ConfigCommandLine::UsageText()
 {
-    return "Usage: tarni-spark-config [--ini PATH] COMMAND [ARGUMENTS]\n"
+    return "Usage: tarni-spark-config [--ini PATH] [--json] [--check] COMMAND [ARGUMENTS]\n"
            "\n"
            "Shows and edits the driver-wide settings of the Tarni Spark ODBC Driver.\n"
            "\n"
@@ -61,6 +77,12 @@ const char* ConfigCommandLine::UsageText()
            "  import FILE           replace the settings with those of FILE (- for standard\n"
            "                        input); settings it does not name return to their\n"
            "                        defaults, logging settings stay as they are\n"
+           "  diff FILE             print what import FILE would change, key by key:\n"
+           "                        + added, - removed, ~ changed (secrets by name only)\n"
+           "\n"
+           "set, unset, set-secret and import compare before they write: when nothing\n"
+           "would change they write nothing and print 'unchanged', otherwise they save\n"
+           "and print 'changed: KEY, KEY, ...'. Both exit 0.\n"
            "\n"
            "Secrets are never taken from the command line, and show and get print them\n"
            "as ****.\n"
@@ -69,15 +91,21 @@ const char* ConfigCommandLine::UsageText()
            "  --ini PATH            the INI file to use (Linux; default $SPARKINI, else\n"
            "                        ~/.sparkodbc.ini). On Windows the settings live in the\n"
            "                        registry under HKEY_LOCAL_MACHINE.\n"
+           "  --json                print show, get, diff and the change reports as one\n"
+           "                        JSON object (a secret as {\"protected\": true}); errors\n"
+           "                        become a JSON object on standard error\n"
+           "  --check               with set, unset, set-secret and import: check the\n"
+           "                        values and report what would change, write nothing\n"
            "  --help                print this text\n"
            "\n"
-           "Exit status: 0 success, 1 error or absent key, 2 wrong command line.\n"
+           "Exit status: 0 success (changed or not), 1 error, absent key or refused\n"
+           "value, 2 wrong command line.\n"
            "Errors are printed on standard error and nothing is written.\n";
 }
 
 int ConfigCommandLine::Usage(const std::string& in_problem)
 {
-    m_err << "tarni-spark-config: " << in_problem << "\n"
+    Err() << PROGRAM << in_problem << "\n"
           << "Try 'tarni-spark-config --help'.\n";
     return RESULT_USAGE;
 }
@@ -87,17 +115,97 @@ std::string ConfigCommandLine::Describe(const Support::ErrorException& in_error)
     return Support::DSIMessageManager::GetDisplayTextUtf8(in_error);
 }
 
+std::ostream& ConfigCommandLine::Err()
+{
+    return m_options.json ? static_cast<std::ostream&>(m_diagnostics) : m_err;
+}
+
+const ConfigCommandLine::Command* ConfigCommandLine::FindCommand(tarni_wstring_view in_name)
+{
+    static const Command COMMANDS[] = {
+        {u"show", false, &ConfigCommandLine::Show},
+        {u"get", false, &ConfigCommandLine::Get},
+        {u"set", true, &ConfigCommandLine::Set},
+        {u"unset", true, &ConfigCommandLine::Unset},
+        {u"set-secret", true, &ConfigCommandLine::SetSecret},
+        {u"export", false, &ConfigCommandLine::Export},
+        {u"import", true, &ConfigCommandLine::Import},
+        {u"diff", false, &ConfigCommandLine::Diff},
+    };
+    for (const Command& command : COMMANDS)
+    {
+        if (in_name == command.name)
+        {
+            return &command;
+        }
+    }
+    return nullptr;
+}
+
 int ConfigCommandLine::Run(const std::vector<tarni_wstring>& in_arguments)
 {
-    tarni_wstring iniPath;
+    m_options = Options();
+    m_diagnostics.str("");
+    // Known first, so that even an error in the command line is JSON.
+    m_options.json = std::find(in_arguments.begin(), in_arguments.end(), u"--json") != in_arguments.end();
+    const int result = ParseAndRun(in_arguments);
+    if (m_options.json)
+    {
+        WriteJsonDiagnostics(result);
+    }
+    return result;
+}
+
+void ConfigCommandLine::WriteJsonDiagnostics(int in_result)
+{
+    nlohmann::ordered_json errors = nlohmann::ordered_json::array();
+    nlohmann::ordered_json warnings = nlohmann::ordered_json::array();
+    std::istringstream lines(m_diagnostics.str());
+    for (std::string line; std::getline(lines, line);)
+    {
+        if (line.rfind(PROGRAM, 0) == 0)
+        {
+            line.erase(0, std::char_traits<char>::length(PROGRAM));
+        }
+        const std::string warning = "warning: ";
+        if (line.rfind(warning, 0) == 0)
+        {
+            warnings.push_back(line.substr(warning.size()));
+        }
+        else if (!line.empty())
+        {
+            errors.push_back(line);
+        }
+    }
+    if (in_result == RESULT_OK && warnings.empty())
+    {
+        return;
+    }
+    nlohmann::ordered_json report;
+    if (in_result != RESULT_OK)
+    {
+        report["error"] = errors.empty() ? std::string("failed") : errors.front().get<std::string>();
+        report["exit"] = in_result;
+        report["messages"] = errors;
+    }
+    report["warnings"] = warnings;
+    m_err << Dump(report) << std::flush;
+}
+
+int ConfigCommandLine::ParseAndRun(const std::vector<tarni_wstring>& in_arguments)
+{
     size_t index = 0;
     for (; index < in_arguments.size(); ++index)
     {
         const tarni_wstring& argument = in_arguments[index];
         if (argument == u"--help" || argument == u"-h")
         {
-            m_out << UsageText();
-            return RESULT_OK;
+            return Emit(UsageText()) ? RESULT_OK : RESULT_FAILURE;
+        }
+        if (argument == u"--json" || argument == u"--check")
+        {
+            (argument == u"--json" ? m_options.json : m_options.check) = true;
+            continue;
         }
         if (argument == u"--ini")
         {
@@ -109,7 +217,7 @@ int ConfigCommandLine::Run(const std::vector<tarni_wstring>& in_arguments)
             {
                 return Usage("--ini is not available here: the settings live in the registry");
             }
-            iniPath = in_arguments[++index];
+            m_options.iniPath = in_arguments[++index];
             continue;
         }
         if (!argument.empty() && argument[0] == u'-')
@@ -122,26 +230,55 @@ int ConfigCommandLine::Run(const std::vector<tarni_wstring>& in_arguments)
     {
         return Usage("no command given");
     }
-    const tarni_wstring command = in_arguments[index];
-    const std::vector<tarni_wstring> operands(in_arguments.begin() + static_cast<std::ptrdiff_t>(index) + 1,
-                                              in_arguments.end());
-    const bool modifies = command == u"set" || command == u"unset" || command == u"set-secret" || command == u"import";
-    if (!modifies && command != u"show" && command != u"get" && command != u"export")
+    const tarni_wstring name = in_arguments[index];
+    // Configuration management appends its options to the command: take
+    // --json and --check wherever they stand.
+    Operands operands;
+    for (++index; index < in_arguments.size(); ++index)
     {
-        return Usage("unknown command " + U8(command));
+        const tarni_wstring& argument = in_arguments[index];
+        if (argument == u"--json" || argument == u"--check")
+        {
+            (argument == u"--json" ? m_options.json : m_options.check) = true;
+        }
+        else
+        {
+            operands.push_back(argument);
+        }
     }
-    if ((command == u"export" || command == u"import") && operands.size() != 1)
+    const Command* command = FindCommand(name);
+    if (command == nullptr)
     {
-        return Usage(U8(command) + " takes one FILE (- for standard " +
-                     (command == u"export" ? "output)" : "input)"));
+        return Usage("unknown command " + U8(name));
     }
+    if (m_options.check && !command->writes)
+    {
+        return Usage("--check applies to set, unset, set-secret and import, not to " + U8(name));
+    }
+    if (m_options.json && name == u"export")
+    {
+        return Usage("export writes the key=value file format; --json does not apply to it");
+    }
+    if (TakesOneFile(name) && operands.size() != 1)
+    {
+        return Usage(U8(name) + " takes one FILE (- for standard " + (name == u"export" ? "output)" : "input)"));
+    }
+    return RunCommand(*command, operands);
+}
 
+std::unique_ptr<Platform::ISettingsStore> ConfigCommandLine::OpenStore() const
+{
+    return Platform::SettingsStoreFactory::OpenDriverStore(
+        DriverSupport::DSProductHelper::GetDriverStoreLocation(m_options.iniPath));
+}
+
+int ConfigCommandLine::RunCommand(const Command& in_command, const Operands& in_operands)
+{
     try
     {
         SOProductIdentity::Register();
-        auto store = Platform::SettingsStoreFactory::OpenDriverStore(
-            DriverSupport::DSProductHelper::GetDriverStoreLocation(iniPath));
-        if (modifies)
+        auto store = OpenStore();
+        if (in_command.writes && !m_options.check)
         {
             // Hold the store from load to save, so concurrent edits of other keys are kept.
             store->LockForUpdate();
@@ -161,72 +298,90 @@ int ConfigCommandLine::Run(const std::vector<tarni_wstring>& in_arguments)
         config.Load();
         for (const auto& error : config.GetSecretRecoveryErrors())
         {
-            m_err << "tarni-spark-config: warning: " << Describe(error) << "\n";
+            Err() << PROGRAM << "warning: " << Describe(error) << "\n";
         }
-
-        int result = RESULT_OK;
-        if (command == u"show")
-        {
-            result = Show(config);
-        }
-        else if (command == u"get")
-        {
-            result = Get(config, operands);
-        }
-        else if (command == u"set")
-        {
-            result = Set(config, operands);
-        }
-        else if (command == u"set-secret")
-        {
-            result = SetSecret(config, operands);
-        }
-        else if (command == u"export")
-        {
-            ConfigTransferCommands(m_in, m_out).Export(config, operands[0]);
-        }
-        else if (command == u"import")
-        {
-            ConfigTransferCommands(m_in, m_out).Import(config, operands[0]);
-        }
-        else
-        {
-            result = Unset(config, operands);
-        }
-        return result;
+        return (this->*in_command.run)(config, in_operands);
     }
     catch (const Support::ErrorException& e)
     {
-        m_err << "tarni-spark-config: " << Describe(e) << "\n";
+        Err() << PROGRAM << Describe(e) << "\n";
         return RESULT_FAILURE;
     }
 }
 
-int ConfigCommandLine::Show(QDCConfiguration& io_config)
+bool ConfigCommandLine::Emit(const std::string& in_text)
 {
-    for (const auto& [key, value] : io_config.GetMap())
-    {
-        m_out << U8(key) << "=" << Shown(io_config, key, value) << "\n";
-    }
-    return ConfigSettingChecks::OutputWritten(m_out, m_err) ? RESULT_OK : RESULT_FAILURE;
+    m_out << in_text;
+    return ConfigSettingChecks::OutputWritten(m_out, Err());
 }
 
-int ConfigCommandLine::Get(QDCConfiguration& io_config, const std::vector<tarni_wstring>& in_operands)
+int ConfigCommandLine::SaveAndReport(QDCConfiguration& io_config)
+{
+    const ConfigChangeReport report(io_config, m_options.check ? io_config.PlanSave() : io_config.Save());
+    return Emit(m_options.json ? report.FormatJson() : report.FormatText()) ? RESULT_OK : RESULT_FAILURE;
+}
+
+int ConfigCommandLine::Show(QDCConfiguration& io_config, const Operands& in_operands)
+{
+    if (!in_operands.empty())
+    {
+        return Usage("show takes no arguments");
+    }
+    std::string text;
+    nlohmann::ordered_json json = nlohmann::ordered_json::object();
+    for (const auto& [key, value] : io_config.GetMap())
+    {
+        if (!m_options.json)
+        {
+            text += U8(key) + "=" + Shown(io_config, key, value) + "\n";
+        }
+        else if (IsSecret(io_config, key, value))
+        {
+            json[U8(key)] = {{"protected", true}};
+        }
+        else
+        {
+            json[U8(key)] = U8(value);
+        }
+    }
+    return Emit(m_options.json ? Dump(json) : text) ? RESULT_OK : RESULT_FAILURE;
+}
+
+int ConfigCommandLine::Get(QDCConfiguration& io_config, const Operands& in_operands)
 {
     if (in_operands.size() != 1)
     {
         return Usage("get takes exactly one key");
     }
-    if (!io_config.GetMap().Contains(in_operands[0]))
+    const auto found = io_config.GetMap().find(in_operands[0]);
+    if (found == io_config.GetMap().end())
     {
-        m_err << "tarni-spark-config: no setting named " << U8(in_operands[0]) << "\n";
+        Err() << PROGRAM << "no setting named " << U8(in_operands[0]) << "\n";
         return RESULT_FAILURE;
     }
-    m_out << Shown(io_config, in_operands[0], io_config.GetMap().GetValue(in_operands[0])) << "\n";
-    return ConfigSettingChecks::OutputWritten(m_out, m_err) ? RESULT_OK : RESULT_FAILURE;
+    const auto& [key, value] = *found;
+    std::string text;
+    if (!m_options.json)
+    {
+        text = Shown(io_config, key, value) + "\n";
+    }
+    else
+    {
+        nlohmann::ordered_json json;
+        if (IsSecret(io_config, key, value))
+        {
+            json[U8(key)] = {{"protected", true}};
+        }
+        else
+        {
+            json[U8(key)] = U8(value);
+        }
+        text = Dump(json);
+    }
+    return Emit(text) ? RESULT_OK : RESULT_FAILURE;
 }
 
-int ConfigCommandLine::Set(QDCConfiguration& io_config, const std::vector<tarni_wstring>& in_operands)
+int ConfigCommandLine::Set(QDCConfiguration& io_config, const Operands& in_operands)
 {
     if (in_operands.empty())
     {
@@ -255,7 +410,7 @@ int ConfigCommandLine::Set(QDCConfiguration& io_config, const std::vector<tarni_
         const size_t equals = pair.find(u'=');
         settings.emplace_back(pair.substr(0, equals), pair.substr(equals + 1));
     }
-    if (!ConfigSettingChecks::CheckSettings(settings, m_err))
+    if (!ConfigSettingChecks::CheckSettings(settings, Err()))
     {
         return RESULT_FAILURE;
     }
@@ -263,11 +418,10 @@ int ConfigCommandLine::Set(QDCConfiguration& io_config, const std::vector<tarni_
     {
         io_config.SetSetting(key, value);
     }
-    io_config.Save();
-    return RESULT_OK;
+    return SaveAndReport(io_config);
 }
 
-int ConfigCommandLine::Unset(QDCConfiguration& io_config, const std::vector<tarni_wstring>& in_operands)
+int ConfigCommandLine::Unset(QDCConfiguration& io_config, const Operands& in_operands)
 {
     if (in_operands.empty())
     {
@@ -284,22 +438,42 @@ int ConfigCommandLine::Unset(QDCConfiguration& io_config, const std::vector<tarn
     {
         io_config.UnsetSetting(key);
     }
-    io_config.Save();
+    return SaveAndReport(io_config);
+}
+
+int ConfigCommandLine::Export(QDCConfiguration& io_config, const Operands& in_operands)
+{
+    ConfigTransferCommands(m_in, m_out).Export(io_config, in_operands[0]);
     return RESULT_OK;
+}
+
+int ConfigCommandLine::Import(QDCConfiguration& io_config, const Operands& in_operands)
+{
+    DriverSupport::DSConfigurationFile::Import(io_config, ConfigTransferCommands(m_in, m_out).Read(in_operands[0]));
+    return SaveAndReport(io_config);
+}
+
+int ConfigCommandLine::Diff(QDCConfiguration& io_config, const Operands& in_operands)
+{
+    DriverSupport::DSConfigurationFile::Import(io_config, ConfigTransferCommands(m_in, m_out).Read(in_operands[0]));
+    const ConfigChangeReport report(io_config, io_config.PlanSave());
+    return Emit(m_options.json ? report.FormatDiffJson() : report.FormatDiffText()) ? RESULT_OK : RESULT_FAILURE;
 }
 }  // namespace Tarni::SparkODBC
 
 namespace Tarni::SparkODBC
 {
+bool ConfigCommandLine::IsSecret(const QDCConfiguration& io_config, tarni_wstring_view in_key,
+                                 tarni_wstring_view in_value) const
+{
+    return io_config.FindCredentialBySecretKey(in_key) != nullptr ||
+           DriverSupport::DSEncryptionUtils::HasProtectedForm(in_value);
+}
+
 std::string ConfigCommandLine::Shown(const QDCConfiguration& io_config, tarni_wstring_view in_key,
                                      tarni_wstring_view in_value) const
 {
-    if (io_config.FindCredentialBySecretKey(in_key) != nullptr ||
-        DriverSupport::DSEncryptionUtils::HasProtectedForm(in_value))
-    {
-        return "****";
-    }
-    return U8(in_value);
+    return IsSecret(io_config, in_key, in_value) ? "****" : U8(in_value);
 }
 
 bool ConfigCommandLine::ReadSecretLine(tarni_wstring_view in_key, std::string& out_line)
@@ -326,7 +500,7 @@ bool ConfigCommandLine::ReadSecretLine(tarni_wstring_view in_key, std::string& o
     return true;
 }
 
-int ConfigCommandLine::SetSecret(QDCConfiguration& io_config, const std::vector<tarni_wstring>& in_operands)
+int ConfigCommandLine::SetSecret(QDCConfiguration& io_config, const Operands& in_operands)
 {
     tarni_wstring key;
     bool allUsers = false;
@@ -364,7 +538,7 @@ int ConfigCommandLine::SetSecret(QDCConfiguration& io_config, const std::vector<
     std::string line;
     if (!ReadSecretLine(credential->GetKeySet().Pwd(), line))
     {
-        m_err << "tarni-spark-config: no secret on standard input\n";
+        Err() << PROGRAM << "no secret on standard input\n";
         return RESULT_FAILURE;
     }
     const tarni_wstring secret = StringConverter::FromUtf8(line);
@@ -372,7 +546,6 @@ int ConfigCommandLine::SetSecret(QDCConfiguration& io_config, const std::vector<
     credential->SetPwd(secret);
     credential->SetEncryptPwd(true);
     credential->SetDPAPIEncryptForAllUsers(allUsers);
-    io_config.Save();
-    return RESULT_OK;
+    return SaveAndReport(io_config);
 }
 }  // namespace Tarni::SparkODBC

@@ -39,9 +39,8 @@ void ConfigTransferCommands::Export(const QDCConfiguration& in_config, const tar
     DSConfigurationFile::Export(in_config, in_target);
 }
 
-void ConfigTransferCommands::Import(QDCConfiguration& io_config, const tarni_wstring& in_source)
+DriverSupport::ConfigurationMap ConfigTransferCommands::Read(const tarni_wstring& in_source)
 {
-    DriverSupport::ConfigurationMap values;
     if (in_source == STANDARD_STREAM)
     {
         // One byte more than allowed tells a stream that is too long.
@@ -54,13 +53,8 @@ void ConfigTransferCommands::Import(QDCConfiguration& io_config, const tarni_wst
                 Support::DiagState::GeneralError, Support::DS_ERROR, u"DSConfigFileReadErr",
                 {STANDARD_INPUT_NAME, Platform::SystemError::Text(Platform::SystemError::LastErrorCode())});
         }
-        values = DSConfigurationFile::Parse(bytes, STANDARD_INPUT_NAME);
+        return DSConfigurationFile::Parse(bytes, STANDARD_INPUT_NAME);
     }
-    else
-    {
-        values = DSConfigurationFile::Read(in_source);
-    }
-    DSConfigurationFile::Import(io_config, values);
-    io_config.Save();
+    return DSConfigurationFile::Read(in_source);
 }
 }  // namespace Tarni::SparkODBC

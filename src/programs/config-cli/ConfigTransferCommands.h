@@ -1,12 +1,13 @@
 #pragma once
-// The export and import commands of tarni-spark-config, over the same file
-// format, secret rules and import as the Logging Options dialog: export
-// writes the configuration without logging settings and secrets, import
-// replaces the configuration with the file's settings and saves it through
-// the normal save, all at once or not at all.
+// The files of the export, import and diff commands of tarni-spark-config,
+// over the same file format and secret rules as the Logging Options dialog:
+// export writes the configuration without logging settings and secrets;
+// import and diff read a file (or standard input) whole before the
+// configuration is touched.
 #include <iosfwd>
 
 #include "core/TarniString.h"
+#include "driversupport/ConfigurationMap.h"
 
 namespace Tarni::SparkODBC
 {
@@ -24,10 +25,9 @@ public:
     /// output. Throws ErrorException naming the file.
     void Export(const QDCConfiguration& in_config, const tarni_wstring& in_target);
 
-    /// Reads the file or standard input, loads it into the configuration
-    /// and saves. A bad file throws ErrorException naming it and the line,
-    /// before anything is changed.
-    void Import(QDCConfiguration& io_config, const tarni_wstring& in_source);
+    /// Reads and parses the file or standard input. A bad file throws
+    /// ErrorException naming it and the line.
+    DriverSupport::ConfigurationMap Read(const tarni_wstring& in_source);
 
 private:
     std::istream& m_in;
