@@ -196,6 +196,8 @@ TEST_F(FleetCommands, ShowAndGetAsJsonCarryNoSecret)
     ASSERT_EQ(0, Run({"set", "HDFSUser=J\xC3\xBCrgen \xE6\x97\xA5", "http.header.X-Q=\"quoted\" \\ back"}));
     ASSERT_EQ(0, Run({"set-secret", "PWD"}, "hunter2-secret\n"));
     ASSERT_EQ(0, Run({"set-secret", "AOSS_PWD", "--scope", "machine"}, "aoss-secret\n"));
+    // A refresh token the driver stored after an OAuth sign-in.
+    ASSERT_EQ(0, Run({"set", "Auth_RefreshToken=refresh-secret"}));
     ASSERT_EQ(0, Run({"show", "--json"})) << m_err.str();
     const std::string text = m_out.str();
     EXPECT_EQ(std::string::npos, text.find("secret"));
@@ -203,6 +205,7 @@ TEST_F(FleetCommands, ShowAndGetAsJsonCarryNoSecret)
     const auto shown = nlohmann::ordered_json::parse(text);
     EXPECT_EQ(nlohmann::ordered_json::parse(R"({"protected": true})"), shown["PWD"]);
     EXPECT_EQ(nlohmann::ordered_json::parse(R"({"protected": true})"), shown["AOSS_PWD"]);
+    EXPECT_EQ(nlohmann::ordered_json::parse(R"({"protected": true})"), shown["Auth_RefreshToken"]);
     EXPECT_EQ("J\xC3\xBCrgen \xE6\x97\xA5", shown["HDFSUser"]);
     EXPECT_EQ("\"quoted\" \\ back", shown["http.header.X-Q"]);
 

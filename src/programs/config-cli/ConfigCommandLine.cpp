@@ -9,6 +9,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "driversupport/ConfigurationKeys.h"
 #include "driversupport/DSConfigurationFile.h"
 #include "driversupport/DSEncryptionUtils.h"
 #include "driversupport/DSProductHelper.h"
@@ -466,7 +467,10 @@ namespace Tarni::SparkODBC
 bool ConfigCommandLine::IsSecret(const QDCConfiguration& io_config, tarni_wstring_view in_key,
                                  tarni_wstring_view in_value) const
 {
+    // The refresh token is written by the driver after an OAuth sign-in, not
+    // by this tool; it grants access as a password does, so it is never shown.
     return io_config.FindCredentialBySecretKey(in_key) != nullptr ||
+           StringConverter::EqualsIgnoreCase(in_key, DriverSupport::Keys::Auth_RefreshToken) ||
            DriverSupport::DSEncryptionUtils::HasProtectedForm(in_value);
 }
 
