@@ -33,11 +33,6 @@ public:
     /// stores that can, the whole save is applied at once or not at all.
     void Save();
 
-    /// False for the logging keys (written by their own step), the six
-    /// data-source keys "Driver", "DSN", "DESCRIPTION", "Host", "Port",
-    /// "Schema", and the keys that are never stored.
-    bool IsDriverWideKey(tarni_wstring_view in_key) const;
-
     DriverSupport::DSServerSidePropertyGroup& GetServerSideProperties() { return m_serverSideProperties; }
     DriverSupport::DSPrefixedPropertyGroup& GetHttpHeaders() { return m_httpHeaders; }
     Platform::ISettingsStore& GetStore() { return m_store; }
@@ -52,9 +47,6 @@ public:
     /// deletes it); an ordinary key returns to its default, and a key without
     /// a default is deleted from the store by the next save.
     void UnsetSetting(tarni_wstring_view in_key);
-
-protected:
-    bool AcceptsStoredKey(tarni_wstring_view in_key) const override { return IsDriverWideKey(in_key); }
 
 private:
     DriverSupport::DSPrefixedPropertyGroup* GroupOf(tarni_wstring_view in_key);

@@ -1,5 +1,6 @@
 #include "programs/config-cli/ConfigCommandLine.h"
 #include "programs/config-cli/ConfigTransferCommands.h"
+#include "programs/config-cli/ConfigDsnCommands.h"
 
 #include <algorithm>
 #include <iostream>
@@ -40,7 +41,7 @@ ConfigCommandLine::ConfigCommandLine(std::istream& io_in, std::ostream& io_out, 
 
 const char* ConfigCommandLine::UsageText()
 {
-    return "Usage: tarni-spark-config [--ini PATH] COMMAND [ARGUMENTS]\n"
+    return "Usage: tarni-spark-config [--ini PATH] [--dsn NAME [--system]] COMMAND [ARGUMENTS]\n"
            "\n"
            "Shows and edits the driver-wide settings of the Tarni Spark ODBC Driver.\n"
            "\n"
@@ -90,14 +91,32 @@ std::string ConfigCommandLine::Describe(const Support::ErrorException& in_error)
 int ConfigCommandLine::Run(const std::vector<tarni_wstring>& in_arguments)
 {
     tarni_wstring iniPath;
+    std::optional<tarni_wstring> dsnName;
+    bool systemDsn = false;
     size_t index = 0;
     for (; index < in_arguments.size(); ++index)
     {
         const tarni_wstring& argument = in_arguments[index];
         if (argument == u"--help" || argument == u"-h")
         {
-            m_out << UsageText();
+            m_out << UsageText() << "\n" << ConfigDsnCommands::UsageText();
             return RESULT_OK;
+        }
+        if (argument == u"--dsn" || argument == u"--system")
+        {
+            if (argument == u"--system")
+            {
+                systemDsn = true;
+            }
+            else if (index + 1 < in_arguments.size())
+            {
+                dsnName = in_arguments[++index];
+            }
+            else
+            {
+                return Usage("--dsn needs a data source name");
+            }
+            continue;
         }
         if (argument == u"--ini")
         {
@@ -125,10 +144,22 @@ int ConfigCommandLine::Run(const std::vector<tarni_wstring>& in_arguments)
     const tarni_wstring command = in_arguments[index];
     const std::vector<tarni_wstring> operands(in_arguments.begin() + static_cast<std::ptrdiff_t>(index) + 1,
                                               in_arguments.end());
+    if (command == u"dsn" && !dsnName)
+    {
+        return ConfigDsnCommands(m_in, m_out, m_err).RunDsnCommand(iniPath, systemDsn, operands);
+    }
     const bool modifies = command == u"set" || command == u"unset" || command == u"set-secret" || command == u"import";
     if (!modifies && command != u"show" && command != u"get" && command != u"export")
     {
         return Usage("unknown command " + U8(command));
+    }
+    if (dsnName)
+    {
+        return ConfigDsnCommands(m_in, m_out, m_err).RunOnDataSource(iniPath, *dsnName, systemDsn, command, operands);
+    }
+    if (systemDsn)
+    {
+        return Usage("--system applies to data sources: give --dsn NAME or use dsn list|add|remove");
     }
     if ((command == u"export" || command == u"import") && operands.size() != 1)
     {
