@@ -1,8 +1,10 @@
 #pragma once
 // A private ODBC installer environment for one test: unixODBC's system files
-// (ODBCSYSINI: odbcinst.ini, odbc.ini), the user's data sources (ODBCINI) and
-// HOME under a temporary folder, and the driver-wide INI file (SPARKINI)
-// beside them. unixODBC reads these variables on every call.
+// (ODBCSYSINI: odbcinst.ini, odbc.ini, emptied for each test), the user's
+// data sources (ODBCINI) and HOME under a temporary folder, and the
+// driver-wide INI file (SPARKINI) beside them. unixODBC keeps the system
+// folder it found first for the rest of the process, so that folder is one
+// for the whole test program.
 #include <cstdlib>
 
 #include "common/ProductSettingsFixture.h"
@@ -15,11 +17,10 @@ protected:
     void SetUp() override
     {
         ProductSettingsFixture::SetUp();
-        std::filesystem::create_directories(m_dir / "etc");
         std::filesystem::create_directories(m_dir / "home");
-        TempDirectory::WriteFile(m_dir / "etc/odbcinst.ini", "");
-        TempDirectory::WriteFile(m_dir / "etc/odbc.ini", "");
-        Set("ODBCSYSINI", (m_dir / "etc").string());
+        TempDirectory::WriteFile(SystemFolder() / "odbcinst.ini", "");
+        TempDirectory::WriteFile(SystemFolder() / "odbc.ini", "");
+        Set("ODBCSYSINI", SystemFolder().string());
         Set("ODBCINI", UserIni().string());
         Set("HOME", (m_dir / "home").string());
         Set("SPARKINI", DriverIni().string());
@@ -40,7 +41,12 @@ protected:
         ProductSettingsFixture::TearDown();
     }
     std::filesystem::path UserIni() const { return m_dir / "home/.odbc.ini"; }
-    std::filesystem::path SystemIni() const { return m_dir / "etc/odbc.ini"; }
+    std::filesystem::path SystemIni() const { return SystemFolder() / "odbc.ini"; }
+    static const std::filesystem::path& SystemFolder()
+    {
+        static const TempDirectory folder;
+        return folder.Path();
+    }
     std::filesystem::path DriverIni() const { return m_dir / "sparkodbc.ini"; }
     static std::string Read(const std::filesystem::path& in_path)
     {
