@@ -222,7 +222,8 @@ void DSDSNConfiguration::SaveDataSource()
             {
                 continue;
             }
-            const bool inherited = m_inherited.Contains(key) && m_inherited.GetValue(key) == value;
+            // A key nothing sets inherits the empty value: an empty entry adds nothing.
+            const bool inherited = m_inherited.GetValue(key) == value;
             bool always = false;
             for (const tarni_wstring_view fixed : ALWAYS_STORED)
             {

@@ -56,7 +56,8 @@ public:
     /// Writes the data source under GetDsnName() in the installer's current
     /// mode: registers it with the driver's name, writes its description,
     /// host and port and every entry that differs from what it inherits
-    /// (entries it does not know included), removes the entries it no longer
+    /// (entries it does not know included; a key nothing else sets inherits
+    /// the empty value), removes the entries it no longer
     /// holds, protects its secrets (a plain secret is never written). When
     /// the name differs from the loaded one, the new data source is written
     /// completely before the old one is removed. Throws ErrorException; the
