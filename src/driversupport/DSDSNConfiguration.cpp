@@ -190,7 +190,8 @@ void DSDSNConfiguration::Load(tarni_wstring_view in_dsnName)
     m_inherited = m_map;
     // A data source still to be named has no section yet.
     const std::vector<Platform::StoredValue> section =
-        m_dsnName.empty() ? std::vector<Platform::StoredValue>() : Platform::DataSourceStore(m_dsnName).ReadAll();
+        m_dsnName.empty() ? std::vector<Platform::StoredValue>()
+                          : Platform::DataSourceStore(m_dsnName, GetKnownDataSourceKeys()).ReadAll();
     for (const Platform::StoredValue& stored : section)
     {
         // The installer keeps "Driver" (SQLWriteDSNToIni): it is not ours to change.
@@ -241,7 +242,7 @@ void DSDSNConfiguration::SaveDataSource()
             toWrite.SetValue(key, value);
         }
 
-        Platform::DataSourceStore store(m_dsnName);
+        Platform::DataSourceStore store(m_dsnName, GetKnownDataSourceKeys());
         store.Register(DSProductHelper::GetDriverName());
         const std::vector<Platform::StoredValue> present = store.ReadAll();
         for (const auto& [key, value] : toWrite)
@@ -272,6 +273,28 @@ void DSDSNConfiguration::SaveDataSource()
         }
         throw;
     }
+}
+
+std::vector<tarni_wstring> DSDSNConfiguration::GetKnownDataSourceKeys() const
+{
+    std::vector<tarni_wstring> keys{tarni_wstring(Keys::DESCRIPTION), tarni_wstring(Keys::Host),
+                                    tarni_wstring(Keys::Port), tarni_wstring(Keys::Schema)};
+    for (const auto& [key, value] : GetDefaultDriverProperties())
+    {
+        keys.push_back(key);
+    }
+    for (const DSUidPwdConfiguration* credential : GetCredentialComponents())
+    {
+        for (const tarni_wstring& key : {credential->GetKeySet().Uid(), credential->GetKeySet().Pwd(),
+                                         credential->GetKeySet().EncryptedPwd()})
+        {
+            if (!key.empty())
+            {
+                keys.push_back(key);
+            }
+        }
+    }
+    return keys;
 }
 
 void DSDSNConfiguration::RemoveDataSource(tarni_wstring_view in_dsnName)

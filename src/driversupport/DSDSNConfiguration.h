@@ -140,6 +140,9 @@ protected:
     /// Keys of a driver-wide group that a data source keeps apart from the
     /// driver's (its own server-side properties and HTTP headers).
     virtual bool IsGroupKey(tarni_wstring_view) const { return false; }
+    /// The keys looked for one by one where the installer cannot list a
+    /// section's entries: the data-source keys, every default, the credentials.
+    virtual std::vector<tarni_wstring> GetKnownDataSourceKeys() const;
     /// After the data source's section has been read into the map.
     virtual void OnDataSourceLoaded(const std::vector<Platform::StoredValue>&) {}
     /// Before the data source is written: bring what the components hold apart into the map.

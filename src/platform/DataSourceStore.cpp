@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/DataSourceLeftovers.h"
 #include "platform/OdbcInstaller.h"
 
 namespace Tarni::Platform
@@ -23,7 +24,10 @@ bool IsListSection(tarni_wstring_view in_section)
 }
 }  // namespace
 
-DataSourceStore::DataSourceStore(tarni_wstring in_dsnName) : m_dsnName(std::move(in_dsnName)) {}
+DataSourceStore::DataSourceStore(tarni_wstring in_dsnName, std::vector<tarni_wstring> in_knownKeys)
+    : m_dsnName(std::move(in_dsnName)), m_knownKeys(std::move(in_knownKeys))
+{
+}
 
 tarni_wstring DataSourceStore::GetLocation() const
 {
@@ -35,7 +39,12 @@ tarni_wstring DataSourceStore::GetLocation() const
 std::vector<StoredValue> DataSourceStore::ReadAll()
 {
     std::vector<StoredValue> values;
-    for (const tarni_wstring& key : OdbcInstaller::GetProfileKeys(m_dsnName))
+    std::vector<tarni_wstring> keys = OdbcInstaller::GetProfileKeys(m_dsnName);
+    if (keys.empty())
+    {
+        keys = m_knownKeys;
+    }
+    for (const tarni_wstring& key : keys)
     {
         if (const auto value = OdbcInstaller::GetProfileString(m_dsnName, key))
         {
@@ -65,16 +74,30 @@ void DataSourceStore::Register(tarni_wstring_view in_driverName)
 void DataSourceStore::Remove(tarni_wstring_view in_dsnName)
 {
     OdbcInstaller::RemoveDSNFromIni(in_dsnName);
-    if (Exists(in_dsnName))
-    {
-        // The values were kept apart from the list (Wine keeps them in the
-        // user's hive while the list is in the machine's).
-        OdbcInstaller::WriteProfileString(in_dsnName, nullptr, nullptr);
-    }
+    // Installers that keep the values apart from the list may have kept them.
+    DataSourceLeftovers::Remove(in_dsnName);
 }
 
 bool DataSourceStore::Exists(tarni_wstring_view in_dsnName)
 {
+    // Listed by the installer, or a section of its own (written by hand, or
+    // kept by an installer that lists data sources apart from their values).
+    const auto listed = OdbcInstaller::GetProfileString(u"ODBC Data Sources", in_dsnName);
+    if (listed && !listed->empty())
+    {
+        return true;
+    }
+    if (!OdbcInstaller::GetProfileKeys(in_dsnName).empty())
+    {
+        return true;
+    }
+    for (const char16_t* key : ALWAYS_STORED)
+    {
+        if (OdbcInstaller::GetProfileString(in_dsnName, key))
+        {
+            return true;
+        }
+    }
     for (const StoredValue& source : List())
     {
         if (EqualsIgnoreCase(source.name, in_dsnName))
@@ -87,20 +110,27 @@ bool DataSourceStore::Exists(tarni_wstring_view in_dsnName)
 
 std::vector<StoredValue> DataSourceStore::List()
 {
-    std::vector<StoredValue> sources;
+    // The installer's list first (Windows keeps one; unixODBC does not),
+    // then sections that are not on it.
+    std::vector<tarni_wstring> names = OdbcInstaller::GetProfileKeys(u"ODBC Data Sources");
     for (const tarni_wstring& section : OdbcInstaller::GetProfileKeys(u""))
     {
-        if (IsListSection(section))
+        const bool known = std::any_of(names.begin(), names.end(),
+                                       [&](const tarni_wstring& in_name) { return EqualsIgnoreCase(in_name, section); });
+        if (!known && !IsListSection(section))
         {
-            continue;
+            names.push_back(section);
         }
-        // The installer's list names the driver; a section written by hand may only have its own entry.
-        auto driver = OdbcInstaller::GetProfileString(u"ODBC Data Sources", section);
+    }
+    std::vector<StoredValue> sources;
+    for (const tarni_wstring& name : names)
+    {
+        auto driver = OdbcInstaller::GetProfileString(u"ODBC Data Sources", name);
         if (!driver || driver->empty())
         {
-            driver = OdbcInstaller::GetProfileString(section, u"Driver");
+            driver = OdbcInstaller::GetProfileString(name, u"Driver");
         }
-        sources.push_back(StoredValue{section, driver.value_or(tarni_wstring())});
+        sources.push_back(StoredValue{name, driver.value_or(tarni_wstring())});
     }
     return sources;
 }

@@ -1,6 +1,7 @@
 #include "product/SODataSourceConfiguration.h"
 
 #include "driversupport/ConfigurationKeys.h"
+#include "product/SOKeyCatalogue.h"
 #include "support/StringConverter.h"
 
 namespace Tarni::SparkODBC
@@ -27,6 +28,16 @@ bool SODataSourceConfiguration::IsGroupKey(tarni_wstring_view in_key) const
     static const DriverSupport::DSServerSidePropertyGroup serverSideProperties;
     static const DriverSupport::DSPrefixedPropertyGroup httpHeaders("http.header.");
     return serverSideProperties.IsGroupKey(in_key) || httpHeaders.IsGroupKey(in_key);
+}
+
+std::vector<tarni_wstring> SODataSourceConfiguration::GetKnownDataSourceKeys() const
+{
+    std::vector<tarni_wstring> keys = QuillConfiguration::GetKnownDataSourceKeys();
+    for (const DriverSupport::DSKeyDescription& description : SOKeyCatalogue::All())
+    {
+        keys.emplace_back(description.GetName());
+    }
+    return keys;
 }
 
 void SODataSourceConfiguration::OnDataSourceLoaded(const std::vector<Platform::StoredValue>& in_section)

@@ -29,6 +29,8 @@ public:
 
 protected:
     bool IsGroupKey(tarni_wstring_view in_key) const override;
+    /// Every key the product describes, beside those of the base.
+    std::vector<tarni_wstring> GetKnownDataSourceKeys() const override;
     void OnDataSourceLoaded(const std::vector<Platform::StoredValue>& in_section) override;
     void OnDataSourceSaving() override;
 };
