@@ -5,6 +5,7 @@
 #include "core/ErrorException.h"
 #include "driversupport/DSDSNConfiguration.h"
 #include "platform/DataSourceStore.h"
+#include "platform/DpiAwarenessScope.h"
 #include "platform/OdbcInstaller.h"
 #include "platform/ProcessEnvironment.h"
 #include "platform/TextConversion.h"
@@ -148,6 +149,8 @@ bool SOSetupRequest::CarryOut(void* in_parent, unsigned short in_request, const 
         {
             DriverSupport::DSDSNConfiguration::CheckDsnName(dsn);
         }
+        // The dialog follows the monitor's DPI; the calling program's own awareness is left alone.
+        const Platform::DpiAwarenessScope dpi;
         SODataSourceDialogRun::Options options;
         options.dsnName = dsn;
         options.nameEditable = in_request == ODBC_ADD_DSN;
@@ -195,6 +198,7 @@ bool SOSetupRequest::ConfigDriver(void* in_parent, unsigned short in_request, co
     {
         return true;
     }
+    const Platform::DpiAwarenessScope dpi;
     SODriverConfigRun::Options options;
     // The library runs inside another program: the run leaves the trace's tag alone.
     options.setTraceLocation = nullptr;
