@@ -16,6 +16,8 @@ packages=(
   # loaded at run time: libcrypto.so.3 and the ODBC installer library; the
   # openssl tool verifies signatures in tests
   libssl3 openssl libodbcinst2
+  # the setup library's tests: unixODBC's installer header and its odbcinst tool
+  unixodbc-dev odbcinst
   # Windows cross build, Wine to run its tests, X server for dialog tests
   g++-mingw-w64-x86-64-posix mingw-w64-tools wine wine64 xvfb xauth
   # source packages (Expat for the cross target)

@@ -7,6 +7,7 @@
 #include "driversupport/DSSetupException.h"
 #include "core/ErrorException.h"
 #include "core/NumberConverter.h"
+#include "platform/DataSourceStore.h"
 #include "support/TarniSettingReader.h"
 #include "support/log/LogUtils.h"
 
@@ -21,6 +22,14 @@ const char* const CLS = "DSDSNConfiguration";
 
 /// The largest maximum log file size the dialog accepts, in megabytes.
 constexpr unsigned long long MAX_LOG_FILE_SIZE_MB = 4096;
+
+/// Keys that belong to a data source or to the logging step, never to the driver-wide values.
+const tarni_wstring_view NOT_DRIVER_WIDE[] = {Keys::LogLevel, Keys::LogPath, Keys::LogFileCount, Keys::LogFileSize,
+                                              Keys::Driver,   Keys::DSN,     Keys::DESCRIPTION,  Keys::Host,
+                                              Keys::Port,     Keys::Schema};
+
+/// What a data source always stores, whatever it inherits.
+const tarni_wstring_view ALWAYS_STORED[] = {Keys::DESCRIPTION, Keys::Host, Keys::Port};
 
 const tarni_wstring_view PLAIN_SECRET_KEYS[] = {
     Keys::PWD, Keys::ProxyPWD, Keys::ClientPrivateKeyPWD, Keys::Auth_Client_Secret, Keys::Auth_AccessToken,
@@ -127,6 +136,170 @@ void DSDSNConfiguration::Load(const ConfigurationMap& in_values)
         m_map.SetValue(key, value);
     }
     InitializeComponentsAfterLoad();
+}
+
+bool DSDSNConfiguration::IsDriverWideKey(tarni_wstring_view in_key) const
+{
+    for (const tarni_wstring_view excluded : NOT_DRIVER_WIDE)
+    {
+        if (StringConverter::EqualsIgnoreCase(in_key, excluded))
+        {
+            return false;
+        }
+    }
+    return !IsNeverStoredKey(in_key);
+}
+
+bool DSDSNConfiguration::IsSecretKey(tarni_wstring_view in_key) const
+{
+    return IsNeverStoredKey(in_key) || FindCredentialBySecretKey(in_key) != nullptr;
+}
+
+void DSDSNConfiguration::CheckDsnName(tarni_wstring_view in_name)
+{
+    if (in_name.empty())
+    {
+        throw Support::ErrorException(Support::DiagState::GeneralError, Support::DS_ERROR, u"DSDsnNameEmptyErr");
+    }
+    if (in_name.size() > MAX_DSN_NAME_CHARS)
+    {
+        throw Support::ErrorException(Support::DiagState::GeneralError, Support::DS_ERROR, u"DSDsnNameLengthErr",
+                                      {tarni_wstring(in_name)});
+    }
+    if (in_name.find_first_of(DSN_NAME_REFUSED_CHARACTERS) != tarni_wstring_view::npos)
+    {
+        throw Support::ErrorException(Support::DiagState::GeneralError, Support::DS_ERROR, u"DSDsnNameInvalidErr");
+    }
+}
+
+void DSDSNConfiguration::Load(tarni_wstring_view in_dsnName)
+{
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "Load");
+    m_dsnName = tarni_wstring(in_dsnName);
+    LoadDefaults();
+    // What the driver-wide store holds reaches every data source, except
+    // the secrets (each data source keeps its own) and the prefixed groups
+    // (the driver adds its own to those of the data source).
+    for (const Platform::StoredValue& stored : Support::TarniSettingReader::ReadAll())
+    {
+        if (IsDriverWideKey(stored.name) && !IsSecretKey(stored.name) && !IsGroupKey(stored.name))
+        {
+            m_map.SetValue(stored.name, stored.value);
+        }
+    }
+    m_inherited = m_map;
+    // A data source still to be named has no section yet.
+    const std::vector<Platform::StoredValue> section =
+        m_dsnName.empty() ? std::vector<Platform::StoredValue>()
+                          : Platform::DataSourceStore(m_dsnName, GetKnownDataSourceKeys()).ReadAll();
+    for (const Platform::StoredValue& stored : section)
+    {
+        // The installer keeps "Driver" (SQLWriteDSNToIni): it is not ours to change.
+        if (!StringConverter::EqualsIgnoreCase(stored.name, Keys::Driver))
+        {
+            m_map.SetValue(stored.name, stored.value);
+        }
+    }
+    m_loadedDsnName = m_dsnName;
+    OnDataSourceLoaded(section);
+    InitializeComponentsAfterLoad();
+}
+
+void DSDSNConfiguration::SaveDataSource()
+{
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "SaveDataSource");
+    CheckDsnName(m_dsnName);
+    const ConfigurationMap before = m_map;
+    try
+    {
+        OnDataSourceSaving();
+        FinalizeComponentsBeforeSave();
+        // What is written, decided and checked before anything reaches the store.
+        ConfigurationMap toWrite;
+        for (const auto& [key, value] : m_map)
+        {
+            if (StringConverter::EqualsIgnoreCase(key, Keys::Driver) || IsNeverStoredKey(key) ||
+                StringConverter::EqualsIgnoreCase(key, Keys::DSN))
+            {
+                continue;
+            }
+            // A key nothing sets inherits the empty value: an empty entry adds nothing.
+            const bool inherited = m_inherited.GetValue(key) == value;
+            bool always = false;
+            for (const tarni_wstring_view fixed : ALWAYS_STORED)
+            {
+                always = always || StringConverter::EqualsIgnoreCase(key, fixed);
+            }
+            if (!always && inherited)
+            {
+                continue;
+            }
+            if (value.find_first_of(u"\r\n") != tarni_wstring::npos || key.find_first_of(u"[]=\r\n") != tarni_wstring::npos)
+            {
+                throw Support::ErrorException(Support::DiagState::GeneralError, Support::DS_ERROR, u"DSDsnValueErr",
+                                              {key, u"a data source entry holds one line and its name no \"[\", \"]\" or \"=\""});
+            }
+            toWrite.SetValue(key, value);
+        }
+
+        Platform::DataSourceStore store(m_dsnName, GetKnownDataSourceKeys());
+        store.Register(DSProductHelper::GetDriverName());
+        const std::vector<Platform::StoredValue> present = store.ReadAll();
+        for (const auto& [key, value] : toWrite)
+        {
+            store.WriteValue(key, value);
+        }
+        for (const Platform::StoredValue& stored : present)
+        {
+            if (!toWrite.Contains(stored.name) && !StringConverter::EqualsIgnoreCase(stored.name, Keys::Driver))
+            {
+                store.DeleteValue(stored.name);
+            }
+        }
+        // A rename: the new data source is complete, now the old one goes.
+        if (!m_loadedDsnName.empty() && !StringConverter::EqualsIgnoreCase(m_loadedDsnName, m_dsnName) &&
+            Platform::DataSourceStore::Exists(m_loadedDsnName))
+        {
+            Platform::DataSourceStore::Remove(m_loadedDsnName);
+        }
+        m_loadedDsnName = m_dsnName;
+    }
+    catch (const Support::ErrorException& e)
+    {
+        m_map = before;
+        if (m_logger != nullptr)
+        {
+            m_logger->LogError(NS, CLS, "SaveDataSource", e);
+        }
+        throw;
+    }
+}
+
+std::vector<tarni_wstring> DSDSNConfiguration::GetKnownDataSourceKeys() const
+{
+    std::vector<tarni_wstring> keys{tarni_wstring(Keys::DESCRIPTION), tarni_wstring(Keys::Host),
+                                    tarni_wstring(Keys::Port), tarni_wstring(Keys::Schema)};
+    for (const auto& [key, value] : GetDefaultDriverProperties())
+    {
+        keys.push_back(key);
+    }
+    for (const DSUidPwdConfiguration* credential : GetCredentialComponents())
+    {
+        for (const tarni_wstring& key : {credential->GetKeySet().Uid(), credential->GetKeySet().Pwd(),
+                                         credential->GetKeySet().EncryptedPwd()})
+        {
+            if (!key.empty())
+            {
+                keys.push_back(key);
+            }
+        }
+    }
+    return keys;
+}
+
+void DSDSNConfiguration::RemoveDataSource(tarni_wstring_view in_dsnName)
+{
+    Platform::DataSourceStore::Remove(in_dsnName);
 }
 
 void DSDSNConfiguration::SetLogLevel(unsigned in_level)

@@ -45,6 +45,46 @@ public:
     /// runs the components' post-load step.
     virtual void Load(const ConfigurationMap& in_values);
 
+    /// Loads the data source of that name from the installer's data-source
+    /// store in its current mode: the defaults, over them what the data
+    /// source inherits from the driver-wide store (no data-source keys,
+    /// secrets or prefixed groups), over that the data source's own section
+    /// (every entry but "Driver", known or not). A data source that does not
+    /// exist yet loads as what it would inherit.
+    void Load(tarni_wstring_view in_dsnName);
+
+    /// Writes the data source under GetDsnName() in the installer's current
+    /// mode: registers it with the driver's name, writes its description,
+    /// host and port and every entry that differs from what it inherits
+    /// (entries it does not know included; a key nothing else sets inherits
+    /// the empty value), removes the entries it no longer
+    /// holds, protects its secrets (a plain secret is never written). When
+    /// the name differs from the loaded one, the new data source is written
+    /// completely before the old one is removed. Throws ErrorException; the
+    /// map is then as before the call.
+    void SaveDataSource();
+
+    /// Removes the data source from the installer's store, its section included.
+    static void RemoveDataSource(tarni_wstring_view in_dsnName);
+
+    /// Refuses a data source name that is empty, longer than
+    /// MAX_DSN_NAME_CHARS or holds one of DSN_NAME_REFUSED_CHARACTERS
+    /// (ErrorException "DSDsnNameEmptyErr", "DSDsnNameLengthErr",
+    /// "DSDsnNameInvalidErr").
+    static void CheckDsnName(tarni_wstring_view in_name);
+    static constexpr size_t MAX_DSN_NAME_CHARS = 32;
+    static constexpr const char16_t* DSN_NAME_REFUSED_CHARACTERS = u"[]{}(),;?*=!@\\";
+
+    /// What the loaded data source inherits (defaults and driver-wide values).
+    const ConfigurationMap& GetInheritedValues() const { return m_inherited; }
+    /// The name the data source was loaded under (empty: none loaded).
+    const tarni_wstring& GetLoadedDsnName() const { return m_loadedDsnName; }
+
+    /// False for the logging keys (written by their own step), the
+    /// data-source keys "Driver", "DSN", "DESCRIPTION", "Host", "Port",
+    /// "Schema", and the keys that are never stored.
+    bool IsDriverWideKey(tarni_wstring_view in_key) const;
+
     DSUidPwdConfiguration& GetCredentials() { return *m_credentials; }
     DSSSLConfiguration& GetSSLConfiguration() { return *m_ssl; }
     DSProxyConfiguration& GetProxyConfiguration() { return *m_proxy; }
@@ -94,8 +134,19 @@ public:
     static tarni_wstring LogFileSizeFromStored(tarni_wstring_view in_bytes);
 
 protected:
-    /// Whether a stored value with this name belongs in this configuration's map.
-    virtual bool AcceptsStoredKey(tarni_wstring_view in_key) const { return !IsNeverStoredKey(in_key); }
+    /// Whether a stored driver-wide value with this name belongs in this configuration's map.
+    virtual bool AcceptsStoredKey(tarni_wstring_view in_key) const { return IsDriverWideKey(in_key); }
+
+    /// Keys of a driver-wide group that a data source keeps apart from the
+    /// driver's (its own server-side properties and HTTP headers).
+    virtual bool IsGroupKey(tarni_wstring_view) const { return false; }
+    /// The keys looked for one by one where the installer cannot list a
+    /// section's entries: the data-source keys, every default, the credentials.
+    virtual std::vector<tarni_wstring> GetKnownDataSourceKeys() const;
+    /// After the data source's section has been read into the map.
+    virtual void OnDataSourceLoaded(const std::vector<Platform::StoredValue>&) {}
+    /// Before the data source is written: bring what the components hold apart into the map.
+    virtual void OnDataSourceSaving() {}
 
     void InitializeComponentsAfterLoad();
     void FinalizeComponentsBeforeSave();
@@ -109,5 +160,11 @@ protected:
     std::unique_ptr<DSSSLConfiguration> m_ssl;
     std::unique_ptr<DSProxyConfiguration> m_proxy;
     std::vector<std::unique_ptr<DSConfigurationComponent>> m_furtherComponents;
+    ConfigurationMap m_inherited;
+    tarni_wstring m_loadedDsnName;
+
+private:
+    /// The plain or protected key of any credential.
+    bool IsSecretKey(tarni_wstring_view in_key) const;
 };
 }  // namespace Tarni::DriverSupport

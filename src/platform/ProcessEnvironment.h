@@ -18,6 +18,13 @@ public:
     static void SetVariable(tarni_wstring_view in_name, const std::optional<tarni_wstring>& in_value);
     /// Folder of the running executable, with a trailing separator.
     static tarni_wstring GetExecutableDirectory();
+    /// Folder of the module (program or shared library) that holds this
+    /// code, with a trailing separator: a library loaded into another
+    /// program finds its own files there.
+    static tarni_wstring GetModuleDirectory();
+    /// Module handle of the module that holds this code (HMODULE on Windows,
+    /// the dlopen handle's address on Linux).
+    static void* GetOwnModule();
     /// The user's home folder (HOME, else the password database; USERPROFILE on Windows).
     static tarni_wstring GetHomeDirectory();
     /// The path separator of the platform.

@@ -22,6 +22,12 @@ public:
     static tarni_wstring StrictUtf8ToUtf16(std::string_view in_text);
     static bool IsValidUtf8(std::string_view in_text);
 
+    /// The narrow text of the system's installer API ("ANSI") to UTF-16 and
+    /// back: the active code page on Windows, UTF-8 elsewhere (malformed
+    /// input becomes U+FFFD; what the code page cannot hold becomes "?").
+    static tarni_wstring AnsiToUtf16(std::string_view in_text);
+    static std::string Utf16ToAnsi(tarni_wstring_view in_text);
+
     static char16_t FoldCase(char16_t in_unit);
     /// Case-insensitive ordering by folded code units (ASCII fast path).
     static int CompareIgnoreCase(tarni_wstring_view in_left, tarni_wstring_view in_right);

@@ -17,10 +17,6 @@ namespace
 {
 const char* const NS = "Tarni::SparkODBC";
 const char* const CLS = "QDCConfiguration";
-
-const tarni_wstring_view NOT_DRIVER_WIDE[] = {Keys::LogLevel, Keys::LogPath, Keys::LogFileCount, Keys::LogFileSize,
-                                              Keys::Driver,   Keys::DSN,     Keys::DESCRIPTION,  Keys::Host,
-                                              Keys::Port,     Keys::Schema};
 }  // namespace
 
 QDCConfiguration::QDCConfiguration(DriverSupport::DSServerSidePropertyGroup& io_serverSideProperties,
@@ -35,18 +31,6 @@ QDCConfiguration::QDCConfiguration(DriverSupport::DSServerSidePropertyGroup& io_
     // The groups are part of this configuration and log into the same log.
     m_serverSideProperties.SetLogger(in_logger);
     m_httpHeaders.SetLogger(in_logger);
-}
-
-bool QDCConfiguration::IsDriverWideKey(tarni_wstring_view in_key) const
-{
-    for (const tarni_wstring_view excluded : NOT_DRIVER_WIDE)
-    {
-        if (StringConverter::EqualsIgnoreCase(in_key, excluded))
-        {
-            return false;
-        }
-    }
-    return !IsNeverStoredKey(in_key);
 }
 
 void QDCConfiguration::Load()

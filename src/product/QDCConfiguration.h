@@ -46,11 +46,6 @@ public:
     /// The credential whose protected form is stored under in_key, or null.
     const DriverSupport::DSUidPwdConfiguration* FindCredentialByProtectedKey(tarni_wstring_view in_key) const;
 
-    /// False for the logging keys (written by their own step), the six
-    /// data-source keys "Driver", "DSN", "DESCRIPTION", "Host", "Port",
-    /// "Schema", and the keys that are never stored.
-    bool IsDriverWideKey(tarni_wstring_view in_key) const;
-
     DriverSupport::DSServerSidePropertyGroup& GetServerSideProperties() { return m_serverSideProperties; }
     DriverSupport::DSPrefixedPropertyGroup& GetHttpHeaders() { return m_httpHeaders; }
     Platform::ISettingsStore& GetStore() { return m_store; }
@@ -65,9 +60,6 @@ public:
     /// deletes it); an ordinary key returns to its default, and a key without
     /// a default is deleted from the store by the next save.
     void UnsetSetting(tarni_wstring_view in_key);
-
-protected:
-    bool AcceptsStoredKey(tarni_wstring_view in_key) const override { return IsDriverWideKey(in_key); }
 
 private:
     DriverSupport::DSPrefixedPropertyGroup* GroupOf(tarni_wstring_view in_key);

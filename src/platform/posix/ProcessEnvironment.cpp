@@ -2,6 +2,7 @@
 
 #include <csignal>
 
+#include <dlfcn.h>
 #include <pwd.h>
 #include <unistd.h>
 
@@ -48,6 +49,26 @@ tarni_wstring ProcessEnvironment::GetExecutableDirectory()
     path.resize(static_cast<size_t>(length));
     path.erase(path.rfind('/') + 1);
     return TextConversion::StrictUtf8ToUtf16(path);
+}
+
+tarni_wstring ProcessEnvironment::GetModuleDirectory()
+{
+    Dl_info info{};
+    if (dladdr(reinterpret_cast<void*>(&ProcessEnvironment::GetModuleDirectory), &info) == 0 ||
+        info.dli_fname == nullptr || std::string(info.dli_fname).find('/') == std::string::npos)
+    {
+        return GetExecutableDirectory();
+    }
+    std::string path(info.dli_fname);
+    path.erase(path.rfind('/') + 1);
+    return TextConversion::StrictUtf8ToUtf16(path);
+}
+
+void* ProcessEnvironment::GetOwnModule()
+{
+    Dl_info info{};
+    return dladdr(reinterpret_cast<void*>(&ProcessEnvironment::GetModuleDirectory), &info) != 0 ? info.dli_fbase
+                                                                                                 : nullptr;
 }
 
 tarni_wstring ProcessEnvironment::GetHomeDirectory()

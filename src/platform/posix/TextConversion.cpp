@@ -35,6 +35,16 @@ tarni_wstring TextConversion::Utf8ToUtf16(std::string_view in_text)
     return out;
 }
 
+tarni_wstring TextConversion::AnsiToUtf16(std::string_view in_text)
+{
+    return Utf8ToUtf16(in_text);
+}
+
+std::string TextConversion::Utf16ToAnsi(tarni_wstring_view in_text)
+{
+    return Utf16ToUtf8(in_text);
+}
+
 char16_t TextConversion::FoldCase(char16_t in_unit)
 {
     if (in_unit >= 0xD800 && in_unit <= 0xDFFF)

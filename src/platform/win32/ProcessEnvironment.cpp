@@ -37,6 +37,24 @@ tarni_wstring ProcessEnvironment::GetExecutableDirectory()
     return slash == tarni_wstring::npos ? tarni_wstring(u".\\") : path.substr(0, slash + 1);
 }
 
+void* ProcessEnvironment::GetOwnModule()
+{
+    HMODULE module = nullptr;
+    ::GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                         reinterpret_cast<LPCWSTR>(&ProcessEnvironment::GetOwnModule), &module);
+    return module;
+}
+
+tarni_wstring ProcessEnvironment::GetModuleDirectory()
+{
+    tarni_wstring path(32768, u'\0');
+    const DWORD length = GetModuleFileNameW(static_cast<HMODULE>(GetOwnModule()),
+                                            reinterpret_cast<wchar_t*>(path.data()), static_cast<DWORD>(path.size()));
+    path.resize(length);
+    const size_t slash = path.find_last_of(u"\\/");
+    return slash == tarni_wstring::npos ? tarni_wstring(u".\\") : path.substr(0, slash + 1);
+}
+
 tarni_wstring ProcessEnvironment::GetHomeDirectory()
 {
     if (auto profile = GetVariable(u"USERPROFILE"); profile && !profile->empty())

@@ -1,5 +1,6 @@
 #include "programs/config-cli/ConfigCommandLine.h"
 #include "programs/config-cli/ConfigChangeReport.h"
+#include "programs/config-cli/ConfigDsnCommands.h"
 #include "programs/config-cli/ConfigTransferCommands.h"
 
 #include <algorithm>
@@ -57,7 +58,7 @@ ConfigCommandLine::ConfigCommandLine(std::istream& io_in, std::ostream& io_out, 
 
 const char* ConfigCommandLine::UsageText()
 {
-    return "Usage: tarni-spark-config [--ini PATH] [--json] [--check] COMMAND [ARGUMENTS]\n"
+    return "Usage: tarni-spark-config [--ini PATH] [--dsn NAME [--system]] [--json] [--check] COMMAND [ARGUMENTS]\n"
            "\n"
            "Shows and edits the driver-wide settings of the Tarni Spark ODBC Driver.\n"
            "\n"
@@ -201,7 +202,22 @@ int ConfigCommandLine::ParseAndRun(const std::vector<tarni_wstring>& in_argument
         const tarni_wstring& argument = in_arguments[index];
         if (argument == u"--help" || argument == u"-h")
         {
-            return Emit(UsageText()) ? RESULT_OK : RESULT_FAILURE;
+            return Emit(std::string(UsageText()) + "\n" + ConfigDsnCommands::UsageText()) ? RESULT_OK
+                                                                                              : RESULT_FAILURE;
+        }
+        if (argument == u"--system")
+        {
+            m_options.systemDsn = true;
+            continue;
+        }
+        if (argument == u"--dsn")
+        {
+            if (index + 1 >= in_arguments.size())
+            {
+                return Usage("--dsn needs a data source name");
+            }
+            m_options.dsnName = in_arguments[++index];
+            continue;
         }
         if (argument == u"--json" || argument == u"--check")
         {
@@ -246,6 +262,24 @@ int ConfigCommandLine::ParseAndRun(const std::vector<tarni_wstring>& in_argument
         {
             operands.push_back(argument);
         }
+    }
+    // Data sources: edited through the installer by their own commands.
+    if ((name == u"dsn" || m_options.dsnName) && (m_options.json || m_options.check))
+    {
+        return Usage("--json and --check apply to the driver-wide settings, not to data sources");
+    }
+    if (name == u"dsn" && !m_options.dsnName)
+    {
+        return ConfigDsnCommands(m_in, m_out, m_err).RunDsnCommand(m_options.iniPath, m_options.systemDsn, operands);
+    }
+    if (m_options.dsnName)
+    {
+        return ConfigDsnCommands(m_in, m_out, m_err)
+            .RunOnDataSource(m_options.iniPath, *m_options.dsnName, m_options.systemDsn, name, operands);
+    }
+    if (m_options.systemDsn)
+    {
+        return Usage("--system applies to data sources: give --dsn NAME or use dsn list|add|remove");
     }
     const Command* command = FindCommand(name);
     if (command == nullptr)

@@ -4,6 +4,7 @@
 // the dialog program.
 #include <iosfwd>
 #include <memory>
+#include <optional>
 #include <sstream>
 #include <vector>
 
@@ -46,6 +47,9 @@ private:
     struct Options
     {
         tarni_wstring iniPath;
+        /// --dsn NAME and --system: a data source instead of the driver-wide settings.
+        std::optional<tarni_wstring> dsnName;
+        bool systemDsn = false;
         bool json = false;
         bool check = false;
     };
