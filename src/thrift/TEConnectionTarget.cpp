@@ -56,6 +56,9 @@ TEConnectionTarget TEConnectionTarget::FromConfiguration(const DriverSupport::DS
     TEConnectionTarget target;
     DriverSupport::DSWarningList warnings;
     TEConnectionUtils::ReadConnectionSetting(in_configuration.GetMap(), target.m_settings, log, warnings);
+    // The test's requests carry a session tag, so that the server's log can
+    // be searched for this attempt (the tag is in the driver's log).
+    target.m_settings.m_httpSettings.m_enableSessionTag = true;
     target.m_settings.AddSessionTagHeader(log);
 
     const unsigned discovery = Seconds(in_configuration, DSKeys::ServiceDiscoveryMode);

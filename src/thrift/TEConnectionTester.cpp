@@ -4,6 +4,7 @@
 #include <memory>
 
 #include <thrift/TApplicationException.h>
+#include <thrift/TOutput.h>
 #include <thrift/protocol/TBinaryProtocol.h>
 #include <thrift/protocol/TProtocolException.h>
 #include <thrift/transport/TBufferTransports.h>
@@ -52,6 +53,32 @@ const char* const CLS = "TEConnectionTester";
     }
     throw TEException(in_key, std::move(parameters));
 }
+
+// Thrift reports some events (a TLS shutdown during a failed handshake) on
+// its own output, standard error by default; during a test they go to the
+// test's log instead.
+thread_local Support::ILogger* t_thriftOutputLog = nullptr;
+
+void ThriftOutput(const char* in_message)
+{
+    if (t_thriftOutputLog != nullptr)
+    {
+        t_thriftOutputLog->LogDebug(NS, CLS, "ThriftOutput", "%s", in_message);
+    }
+}
+
+class ThriftOutputScope
+{
+public:
+    explicit ThriftOutputScope(Support::ILogger* in_log)
+    {
+        t_thriftOutputLog = in_log;
+        apache::thrift::GlobalOutput.setOutputFunction(&ThriftOutput);
+    }
+    ~ThriftOutputScope() { t_thriftOutputLog = nullptr; }
+    ThriftOutputScope(const ThriftOutputScope&) = delete;
+    ThriftOutputScope& operator=(const ThriftOutputScope&) = delete;
+};
 
 std::string Seconds(int in_ms)
 {
@@ -330,11 +357,12 @@ void TEConnectionTester::OpenAndCloseSession(const TEConnectionTarget& in_target
         Cli::TCLIServiceClient client(protocol);
 
         Cli::TOpenSessionReq openRequest;
-        if (!in_target.m_user.empty() && in_target.m_transport == TETransportMode::Binary)
+        if (!in_target.m_user.empty() && in_target.m_authentication != TEConnectionTarget::Authentication::BearerToken)
         {
-            // Without SASL or HTTP the credentials travel in the request.
             openRequest.__set_username(in_target.m_user);
-            if (in_target.m_authentication == TEConnectionTarget::Authentication::Plain)
+            // Without SASL or HTTP the password travels in the request too.
+            if (in_target.m_transport == TETransportMode::Binary &&
+                in_target.m_authentication == TEConnectionTarget::Authentication::Plain)
             {
                 openRequest.__set_password(in_target.m_secret);
             }
@@ -382,6 +410,7 @@ DriverSupport::IConnectionTester::Outcome TEConnectionTester::TestConnection(
 {
     Support::ILogger* log = in_configuration.GetLog();
     TARNI_LOG_ENTRY(log, NS, CLS, "TestConnection");
+    const ThriftOutputScope output(log);
     Outcome outcome;
     try
     {

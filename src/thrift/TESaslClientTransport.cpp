@@ -46,10 +46,6 @@ std::string TESaslClientTransport::PlainResponse(const std::string& in_user, con
 
 void TESaslClientTransport::open()
 {
-    if (!m_transport->isOpen())
-    {
-        m_transport->open();
-    }
     SendNegotiation(Start, "PLAIN");
     std::string response = PlainResponse(m_user, m_password);
     SendNegotiation(Complete, response);

@@ -34,7 +34,9 @@ public:
                           std::string in_user, std::string in_password);
     ~TESaslClientTransport() override;
 
-    /// Opens the transport below, then negotiates PLAIN. A refusal by the
+    /// Negotiates PLAIN over the transport below, which is connected already
+    /// (a TLS socket over an open connection reports itself open only after
+    /// its handshake). A refusal by the
     /// server throws TTransportException whose text is the server's message
     /// (WasRefused() tells it apart from a failure of the transport).
     void open() override;

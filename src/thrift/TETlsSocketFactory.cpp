@@ -11,6 +11,7 @@
 #include "platform/SystemTrustStore.h"
 #include "thrift/TEConnectionTarget.h"
 #include "thrift/TEException.h"
+#include "thrift/TEVerifiedPeerAccessManager.h"
 
 namespace Tarni::ThriftExtension
 {
@@ -97,7 +98,7 @@ TETlsSocketFactory::TETlsSocketFactory(const TEConnectionTarget& in_target)
     SSL_CTX_set_ex_data(context, SelfSignedIndex(), in_target.m_allowSelfSigned ? this : nullptr);
     SSL_CTX_set_verify(context, SSL_VERIFY_PEER, &VerifyCallback);
     // Thrift's own name check would repeat the one above without the switch.
-    access(std::shared_ptr<apache::thrift::transport::AccessManager>());
+    access(std::make_shared<TEVerifiedPeerAccessManager>());
 }
 
 TETlsSocketFactory::~TETlsSocketFactory()
