@@ -32,7 +32,9 @@ public:
 
     /// Resolves the host and connects to the first address that accepts,
     /// each attempt bounded by in_timeoutMs (0: the system's limit). The
-    /// socket is returned in blocking mode.
+    /// socket is returned in blocking mode. On Linux the first call ignores
+    /// SIGPIPE (unless the program handles it), so that writing to a closed
+    /// connection fails instead of ending the program.
     static Result Connect(const std::string& in_host, std::uint16_t in_port, int in_timeoutMs);
 
     /// Closes a socket returned by Connect.

@@ -11,9 +11,13 @@
 #include <optional>
 
 #include <thrift/transport/TServerSocket.h>
+#include <thrift/transport/TSocket.h>
+
+#include <thread>
 
 #include "common/RecordingLogger.h"
 #include "driversupport/ConfigurationKeys.h"
+#include "driversupport/DSBase64.h"
 #include "driversupport/DSDSNConfiguration.h"
 #include "support/StringConverter.h"
 #include "thrift/TEConnectionTester.h"
@@ -57,6 +61,97 @@ std::string Cert(const std::string& in_name)
 {
     return (Certificates() / in_name).string();
 }
+
+
+// An HTTP proxy that opens one CONNECT tunnel and relays it, remembering the
+// request line and the proxy credentials it was given.
+class TunnelProxy
+{
+public:
+    TunnelProxy() : m_listener("127.0.0.1", 0)
+    {
+        m_listener.listen();
+        m_thread = std::thread([this] {
+            try
+            {
+                Serve();
+            }
+            catch (const std::exception&)
+            {
+            }
+        });
+    }
+    ~TunnelProxy()
+    {
+        m_listener.interrupt();
+        m_thread.join();
+    }
+    std::uint16_t Port() { return static_cast<std::uint16_t>(m_listener.getPort()); }
+
+    std::string m_requestLine;
+    std::string m_authorization;
+
+private:
+    using Transport = apache::thrift::transport::TTransport;
+
+    static std::string ReadLine(Transport& io_from)
+    {
+        std::string line;
+        for (std::uint8_t byte = 0; io_from.readAll(&byte, 1), byte != '\n';)
+        {
+            if (byte != '\r')
+            {
+                line.push_back(static_cast<char>(byte));
+            }
+        }
+        return line;
+    }
+
+    static void Relay(const std::shared_ptr<Transport>& io_from, const std::shared_ptr<Transport>& io_to)
+    {
+        std::uint8_t buffer[4096];
+        try
+        {
+            for (std::uint32_t n; (n = io_from->read(buffer, sizeof(buffer))) > 0;)
+            {
+                io_to->write(buffer, n);
+                io_to->flush();
+            }
+        }
+        catch (const std::exception&)
+        {
+        }
+        io_to->close();
+    }
+
+    void Serve()
+    {
+        std::shared_ptr<Transport> client = m_listener.accept();
+        m_requestLine = ReadLine(*client);
+        for (std::string line = ReadLine(*client); !line.empty(); line = ReadLine(*client))
+        {
+            if (line.rfind("Proxy-Authorization: ", 0) == 0)
+            {
+                m_authorization = line.substr(21);
+            }
+        }
+        const std::string authority = m_requestLine.substr(8, m_requestLine.find(' ', 8) - 8);
+        const std::size_t colon = authority.rfind(':');
+        auto upstream = std::make_shared<apache::thrift::transport::TSocket>(authority.substr(0, colon),
+                                                                             std::stoi(authority.substr(colon + 1)));
+        upstream->open();
+        const std::string established = "HTTP/1.1 200 Connection established\r\n\r\n";
+        client->write(reinterpret_cast<const std::uint8_t*>(established.data()),
+                      static_cast<std::uint32_t>(established.size()));
+        client->flush();
+        std::thread back([&] { Relay(upstream, client); });
+        Relay(client, upstream);
+        back.join();
+    }
+
+    apache::thrift::transport::TServerSocket m_listener;
+    std::thread m_thread;
+};
 
 class ConnectionTest : public ::testing::Test
 {
@@ -181,6 +276,25 @@ TEST_F(ConnectionTest, HttpsAndTokenPassThrough)
     const auto outcome = Run();
     ASSERT_EQ(outcome.status, Status::Succeeded) << Text(outcome);
     EXPECT_EQ(server.LastHeaders()["authorization"], "Bearer token-123");
+}
+
+TEST_F(ConnectionTest, HttpsGoesThroughTheProxysTunnel)
+{
+    TestTCLIServer server(Server(TestTCLIServer::Mode::Http, "server"));
+    TunnelProxy proxy;
+    Target(server.Port(), "2", "3");
+    Set(Keys::HTTPPath, "cliservice");
+    UseTls(Cert("ca.pem"));
+    Set(Keys::UseProxy, "1");
+    Set(Keys::ProxyHost, "127.0.0.1");
+    Set(Keys::ProxyPort, std::to_string(proxy.Port()));
+    Set(Keys::ProxyUID, "relay");
+    Set(Keys::ProxyPWD, "relay-pw");
+    const auto outcome = Run();
+    EXPECT_EQ(outcome.status, Status::Succeeded) << Text(outcome);
+    EXPECT_EQ(proxy.m_requestLine, "CONNECT 127.0.0.1:" + std::to_string(server.Port()) + " HTTP/1.1");
+    EXPECT_EQ(proxy.m_authorization, "Basic " + Tarni::DriverSupport::DSBase64::Encode("relay:relay-pw"));
+    EXPECT_EQ(server.SessionsClosed(), 1);
 }
 
 TEST_F(ConnectionTest, RefusedCredentialsNameTheServersReason)

@@ -1,7 +1,9 @@
 #include "platform/TcpConnector.h"
 
 #include <cerrno>
+#include <csignal>
 #include <cstring>
+#include <mutex>
 
 #include <fcntl.h>
 #include <netdb.h>
@@ -89,6 +91,17 @@ TcpConnector::Result ConnectOne(const addrinfo& in_address, int in_timeoutMs)
 
 TcpConnector::Result TcpConnector::Connect(const std::string& in_host, std::uint16_t in_port, int in_timeoutMs)
 {
+    // The TLS library writes to the socket with write(): a peer that closed
+    // the connection must be an error of that write, not SIGPIPE ending the
+    // program. A handler the program installed itself is left alone.
+    static std::once_flag once;
+    std::call_once(once, [] {
+        struct sigaction current {};
+        if (::sigaction(SIGPIPE, nullptr, &current) == 0 && current.sa_handler == SIG_DFL)
+        {
+            std::signal(SIGPIPE, SIG_IGN);
+        }
+    });
     addrinfo hints{};
     hints.ai_family = AF_UNSPEC;
     hints.ai_socktype = SOCK_STREAM;

@@ -12,11 +12,13 @@
 #include "platform/ConsoleEcho.h"
 #include "platform/ProcessEnvironment.h"
 #include "platform/SettingsStoreFactory.h"
+#include "programs/config-cli/ConfigTestCommand.h"
 #include "programs/config-cli/ConfigSettingChecks.h"
 #include "product/QDCConfiguration.h"
 #include "product/SOProductIdentity.h"
 #include "core/ErrorException.h"
 #include "core/NullLogger.h"
+#include "thrift/TEConnectionTesterFactory.h"
 #include "support/StringConverter.h"
 #include "support/TarniSettingStoreScope.h"
 #include "support/messages/DSIMessageManager.h"
@@ -61,6 +63,9 @@ const char* ConfigCommandLine::UsageText()
            "  import FILE           replace the settings with those of FILE (- for standard\n"
            "                        input); settings it does not name return to their\n"
            "                        defaults, logging settings stay as they are\n"
+           "  test [KEY=VALUE...]   open a session on the server with the settings (and\n"
+           "                        the given changes, which are not saved); prints the\n"
+           "                        result, exit 0 when the session opened, 1 when not\n"
            "\n"
            "Secrets are never taken from the command line, and show and get print them\n"
            "as ****.\n"
@@ -126,7 +131,7 @@ int ConfigCommandLine::Run(const std::vector<tarni_wstring>& in_arguments)
     const std::vector<tarni_wstring> operands(in_arguments.begin() + static_cast<std::ptrdiff_t>(index) + 1,
                                               in_arguments.end());
     const bool modifies = command == u"set" || command == u"unset" || command == u"set-secret" || command == u"import";
-    if (!modifies && command != u"show" && command != u"get" && command != u"export")
+    if (!modifies && command != u"show" && command != u"get" && command != u"export" && command != u"test")
     {
         return Usage("unknown command " + U8(command));
     }
@@ -188,6 +193,11 @@ int ConfigCommandLine::Run(const std::vector<tarni_wstring>& in_arguments)
         else if (command == u"import")
         {
             ConfigTransferCommands(m_in, m_out).Import(config, operands[0]);
+        }
+        else if (command == u"test")
+        {
+            result = ConfigTestCommand(m_out, m_err, ThriftExtension::TEConnectionTesterFactory::GetDefault())
+                         .Run(config, operands);
         }
         else
         {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <csignal>
 #include <cstring>
 
 #include <openssl/ssl.h>
@@ -120,6 +121,8 @@ TestTCLIServer::TestTCLIServer(Options in_options)
     : m_options(std::move(in_options)),
       m_handler(std::make_shared<TestTCLIHandler>(m_options.user, m_options.password, m_options.refusedUser))
 {
+    // A client that gives up mid-reply must not end the test program.
+    std::signal(SIGPIPE, SIG_IGN);
     m_handler->SetCheckRequestCredentials(m_options.mode == Mode::Binary && !m_options.user.empty());
     if (m_options.certificateFile.empty())
     {
