@@ -32,8 +32,8 @@ bool IsOn(const DriverSupport::DSDSNConfiguration& in_configuration, tarni_wstri
     return value == u"1" || StringConverter::EqualsIgnoreCase(value, u"true");
 }
 
-/// A whole number of seconds, or 0 for an empty or malformed value.
-unsigned Seconds(const DriverSupport::DSDSNConfiguration& in_configuration, tarni_wstring_view in_key)
+/// A whole number, or 0 for an empty or malformed value.
+unsigned Number(const DriverSupport::DSDSNConfiguration& in_configuration, tarni_wstring_view in_key)
 {
     const std::string text = Utf8Value(in_configuration, in_key);
     if (text.empty() || text.size() > 9 || text.find_first_not_of("0123456789") != std::string::npos)
@@ -61,7 +61,7 @@ TEConnectionTarget TEConnectionTarget::FromConfiguration(const DriverSupport::DS
     target.m_settings.m_httpSettings.m_enableSessionTag = true;
     target.m_settings.AddSessionTagHeader(log);
 
-    const unsigned discovery = Seconds(in_configuration, DSKeys::ServiceDiscoveryMode);
+    const unsigned discovery = Number(in_configuration, DSKeys::ServiceDiscoveryMode);
     if (discovery == 1)
     {
         Unsupported("service discovery through ZooKeeper");
@@ -88,14 +88,14 @@ TEConnectionTarget TEConnectionTarget::FromConfiguration(const DriverSupport::DS
     }
     target.m_transport = target.m_settings.m_transportMode;
 
-    unsigned timeout = Seconds(in_configuration, DSKeys::ConnectionTestTimeout);
+    unsigned timeout = Number(in_configuration, DSKeys::ConnectionTestTimeout);
     if (timeout == 0)
     {
-        timeout = Seconds(in_configuration, DSKeys::SocketTimeout);
+        timeout = Number(in_configuration, DSKeys::SocketTimeout);
     }
     target.m_timeoutMs = static_cast<int>((timeout == 0 ? FALLBACK_TIMEOUT_SECONDS : timeout) * 1000);
 
-    target.m_authMech = Seconds(in_configuration, DSKeys::AuthMech);
+    target.m_authMech = Number(in_configuration, DSKeys::AuthMech);
     target.m_user = Utf8Value(in_configuration, DSKeys::UID);
     switch (target.m_authMech)
     {
