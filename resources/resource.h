@@ -218,6 +218,7 @@
 #define IDS_TEST_BITNESS                1102
 #define IDS_TEST_LOCALE                 1103
 #define IDS_TEST_NOT_AVAILABLE          1104
+#define IDS_TEST_CONNECTING             1105
 #define IDS_DSN_CONFIG_ERROR_TITLE      9101
 #define IDS_SETUP_INVALID_HWND          9102
 #define IDS_SETUP_INVALID_KEYWORD_VALUE 9103

@@ -26,7 +26,12 @@ packages=(
   clang libclang-rt-14-dev
   # terminal-host tests and screenshots
   tmux imagemagick x11-apps
+  # connection test: the Thrift compiler generates the TCLIService client
+  thrift-compiler libssl-dev
 )
+# npm fetches the TCLIService IDL (scripts/fetch-tcliservice-idl.sh); a Node.js
+# installed from elsewhere brings its own npm.
+command -v npm >/dev/null 2>&1 || packages+=(npm)
 
 missing=()
 for p in "${packages[@]}"; do
@@ -37,11 +42,12 @@ done
 
 if [ ${#missing[@]} -eq 0 ]; then
   echo "install-deps: all ${#packages[@]} packages present"
-  exit 0
+else
+  SUDO=""
+  [ "$(id -u)" -eq 0 ] || SUDO="sudo"
+  echo "install-deps: installing ${missing[*]}"
+  $SUDO apt-get update -qq
+  DEBIAN_FRONTEND=noninteractive $SUDO apt-get install -y -qq --no-install-recommends "${missing[@]}"
 fi
 
-SUDO=""
-[ "$(id -u)" -eq 0 ] || SUDO="sudo"
-echo "install-deps: installing ${missing[*]}"
-$SUDO apt-get update -qq
-DEBIAN_FRONTEND=noninteractive $SUDO apt-get install -y -qq --no-install-recommends "${missing[@]}"
+echo "install-deps: TCLIService IDL at $(bash "$(dirname "${BASH_SOURCE[0]}")/fetch-tcliservice-idl.sh")"

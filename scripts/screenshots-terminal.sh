@@ -198,3 +198,26 @@ if [ -x "$gallery" ]; then
 else
   echo "screenshots-terminal: build TerminalDialogGallery for the OAuth Options picture" >&2
 fi
+
+# Test Results (133) of the DSN setup against the project's TCLIService test
+# server: the gallery's DSN setup pointed at the server, then Test.
+server="$(dirname "$program")/tarni-test-tcli-server"
+if [ -x "$gallery" ] && [ -x "$server" ]; then
+  "$server" sasl --user alice --password pw-42 > "$work/server-port" &
+  server_pid=$!
+  for _ in $(seq 1 50); do [ -s "$work/server-port" ] && break; sleep 0.1; done
+  port=$(head -n 1 "$work/server-port")
+  tmux -L "$socket" kill-server 2>/dev/null || true
+  tmux -u -L "$socket" -f /dev/null new-session -d -x 80 -y 24 -e LANG=C.UTF-8 -e TERM=screen \
+    "cd '$work' && XDG_CONFIG_HOME='$work' '$gallery' 1093 Host=127.0.0.1 Port=$port AuthMech=3 ThriftTransport=1 UID=alice PWD=pw-42 ServiceDiscoveryMode=0; sleep 5"
+  wait_for "DSN Setup"
+  status_is "Test"
+  key Enter
+  wait_for "Successfully connected to data source!"
+  shot terminal-test-results
+  key Enter
+  key Escape
+  kill "$server_pid" 2>/dev/null || true
+else
+  echo "screenshots-terminal: build TerminalDialogGallery and tarni-test-tcli-server for the Test Results picture" >&2
+fi

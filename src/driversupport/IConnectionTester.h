@@ -1,7 +1,7 @@
 #pragma once
 // The connection attempt behind the Test button of the DSN setup: it takes a
-// data source's configuration and tries to connect with it. The driver's own
-// connect path implements it; a build without one uses
+// data source's configuration and tries to connect with it. The Thrift
+// layer's TEConnectionTester implements it; a build without Apache Thrift uses
 // DSUnavailableConnectionTester, which says so.
 #include "core/TarniString.h"
 

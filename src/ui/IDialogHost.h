@@ -45,8 +45,10 @@ public:
     /// The rectangle of the desktop window.
     virtual DialogRect GetDesktopRect() = 0;
 
-    /// Shows the system's wait cursor; false when it cannot be loaded.
-    virtual bool SetWaitCursor() = 0;
+    /// Shows the system's wait cursor; false when it cannot be loaded. A host
+    /// without a mouse pointer shows in_activity ("Connecting...") instead, or
+    /// a general "Please wait..." when it is empty.
+    virtual bool SetWaitCursor(tarni_wstring_view in_activity) = 0;
 
     /// The open and save file boxes: the chosen path, or nothing when the
     /// user cancelled.

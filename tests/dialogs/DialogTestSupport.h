@@ -97,7 +97,7 @@ public:
         return m_inner.MessageBox(a, b, c, d);
     }
     DialogRect GetDesktopRect() override { return m_inner.GetDesktopRect(); }
-    bool SetWaitCursor() override { return m_inner.SetWaitCursor(); }
+    bool SetWaitCursor(tarni_wstring_view in_activity) override { return m_inner.SetWaitCursor(in_activity); }
     std::optional<tarni_wstring> GetOpenFileName(const FileChooserOptions& o) override { return m_inner.GetOpenFileName(o); }
     std::optional<tarni_wstring> GetSaveFileName(const FileChooserOptions& o) override { return m_inner.GetSaveFileName(o); }
     std::optional<tarni_wstring> BrowseForFolder(IDialogWindow* a, tarni_wstring_view b) override

@@ -50,7 +50,7 @@ void DSTestResultDialog::Initialize(IDialogWindow* in_window, Input* in_input)
     StoreInputMap(in_window, in_input);
     TARNI_LOG_ENTRY(in_input->configuration->GetLog(), NS, CLS, "Initialize");
     CenterDialog(in_window);
-    SetWaitCursor();
+    SetWaitCursor(LoadResourceString(IDS_TEST_CONNECTING));
     IConnectionTester& tester =
         in_input->tester != nullptr ? *in_input->tester : DSUnavailableConnectionTester::Instance();
     const IConnectionTester::Outcome outcome = tester.TestConnection(*in_input->configuration);
@@ -66,28 +66,34 @@ void DSTestResultDialog::Initialize(IDialogWindow* in_window, Input* in_input)
 
 tarni_wstring DSTestResultDialog::FormatReport(const IConnectionTester::Outcome& in_outcome)
 {
+    return FormatReport(in_outcome, [](unsigned in_id) { return LoadResourceString(in_id); });
+}
+
+tarni_wstring DSTestResultDialog::FormatReport(const IConnectionTester::Outcome& in_outcome,
+                                               const std::function<tarni_wstring(unsigned)>& in_loadString)
+{
     tarni_wstring report;
     switch (in_outcome.status)
     {
         case IConnectionTester::Outcome::Status::Succeeded:
-            report = LoadResourceString(IDS_TEST_SUCCEEDED);
+            report = in_loadString(IDS_TEST_SUCCEEDED);
             break;
         case IConnectionTester::Outcome::Status::Failed:
-            report = LoadResourceString(IDS_TEST_FAILED) + in_outcome.errorText;
+            report = in_loadString(IDS_TEST_FAILED) + in_outcome.errorText;
             break;
         case IConnectionTester::Outcome::Status::Unavailable:
-            report = LoadResourceString(IDS_TEST_NOT_AVAILABLE);
+            report = in_loadString(IDS_TEST_NOT_AVAILABLE);
             break;
     }
     if (!in_outcome.odbcVersion.empty())
     {
-        report += LoadResourceString(IDS_TEST_ODBC_VERSION) + in_outcome.odbcVersion;
+        report += in_loadString(IDS_TEST_ODBC_VERSION) + in_outcome.odbcVersion;
     }
-    report += LoadResourceString(IDS_TEST_DRIVER_VERSION) + DSProductHelper::GetProductIdentity().version;
-    report += LoadResourceString(IDS_TEST_BITNESS);
+    report += in_loadString(IDS_TEST_DRIVER_VERSION) + DSProductHelper::GetProductIdentity().version;
+    report += in_loadString(IDS_TEST_BITNESS);
     if (!in_outcome.locale.empty())
     {
-        report += LoadResourceString(IDS_TEST_LOCALE) + in_outcome.locale;
+        report += in_loadString(IDS_TEST_LOCALE) + in_outcome.locale;
     }
     return report;
 }

@@ -3,6 +3,8 @@
 // cursor, attempts a connection with the data source's configuration and
 // reports the outcome in its read-only multi-line field, followed by the
 // ODBC version, the driver version, the bitness and the locale.
+#include <functional>
+
 #include "dialogs/framework/DSBaseDialog.h"
 #include "driversupport/DSDSNConfiguration.h"
 #include "driversupport/IConnectionTester.h"
@@ -37,5 +39,9 @@ public:
     /// version, the driver version, the bitness and the locale lines. A line
     /// whose value the tester could not tell is left out.
     static tarni_wstring FormatReport(const IConnectionTester::Outcome& in_outcome);
+    /// The same report with the strings taken from in_loadString (the
+    /// command line has no dialog host to load them).
+    static tarni_wstring FormatReport(const IConnectionTester::Outcome& in_outcome,
+                                      const std::function<tarni_wstring(unsigned)>& in_loadString);
 };
 }  // namespace Tarni::DriverSupport

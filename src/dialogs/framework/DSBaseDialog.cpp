@@ -245,10 +245,10 @@ void DSBaseDialog::BrowseForFile(IDialogWindow* in_window, int in_targetId)
     }
 }
 
-void DSBaseDialog::SetWaitCursor()
+void DSBaseDialog::SetWaitCursor(tarni_wstring_view in_activity)
 {
     IDialogHost* host = DSDialogModule::GetHost();
-    if (host == nullptr || !host->SetWaitCursor())
+    if (host == nullptr || !host->SetWaitCursor(in_activity))
     {
         throw ErrorException(Support::DiagState::GeneralError, Support::DS_ERROR, u"DSCursorResourceError");
     }

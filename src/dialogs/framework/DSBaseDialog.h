@@ -139,7 +139,7 @@ public:
     static void BrowseForFile(Platform::IDialogWindow* in_window, int in_targetId);
     /// The system wait cursor; ErrorException "DSCursorResourceError" when it
     /// cannot be loaded.
-    static void SetWaitCursor();
+    static void SetWaitCursor(tarni_wstring_view in_activity = {});
     /// The string of the string table: the buffer starts at 2048 characters
     /// and grows by 2048 while fewer than two characters are spare; a failed
     /// load gives "Error loading the string.".

@@ -25,6 +25,7 @@
 #include "product/SOConfigurationTables.h"
 #include "product/SOProductSettings.h"
 #include "product/SOUtils.h"
+#include "thrift/TEConnectionTesterFactory.h"
 #include "resource.h"
 #include "core/ComponentId.h"
 #include "core/NumberConverter.h"
@@ -963,7 +964,9 @@ void QuillConfigurationDialog::DoTestAction(IDialogWindow* in_window)
     TARNI_LOG_ENTRY(m_logger, NS, TEST_CLS, "DoTestAction");
     ReadConfigValuesFromDlg();
     ConnectionTestScope testScope(m_configuration);
-    DriverSupport::DSTestResultDialog::Input input{&m_configuration, m_tester};
+    DriverSupport::IConnectionTester* tester =
+        m_tester != nullptr ? m_tester : &ThriftExtension::TEConnectionTesterFactory::GetDefault();
+    DriverSupport::DSTestResultDialog::Input input{&m_configuration, tester};
     DriverSupport::DSTestResultDialog::Show(in_window, &input);
 }
 }  // namespace Tarni::SparkODBC

@@ -53,8 +53,8 @@ public:
     /// as the owner of any error box. A failed save keeps the dialog open
     /// with every input, so the user can correct the cause or cancel.
     void SetSaveAction(SaveAction in_action) { m_saveAction = std::move(in_action); }
-    /// Who attempts the connection of the Test button; null (the default): a
-    /// build without connection testing, which the Test Results dialog says.
+    /// Who attempts the connection of the Test button; null (the default): the
+    /// build's own tester (ThriftExtension::TEConnectionTesterFactory).
     void SetConnectionTester(DriverSupport::IConnectionTester* in_tester) { m_tester = in_tester; }
     /// The offer switch of "SAML_2.0"; off in this program.
     void SetSamlOffered(bool in_offered) { m_samlOffered = in_offered; }

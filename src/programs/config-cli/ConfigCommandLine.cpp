@@ -18,11 +18,13 @@
 #include "platform/ConsoleEcho.h"
 #include "platform/ProcessEnvironment.h"
 #include "platform/SettingsStoreFactory.h"
+#include "programs/config-cli/ConfigTestCommand.h"
 #include "programs/config-cli/ConfigSettingChecks.h"
 #include "product/QDCConfiguration.h"
 #include "product/SOProductIdentity.h"
 #include "core/ErrorException.h"
 #include "core/NullLogger.h"
+#include "thrift/TEConnectionTesterFactory.h"
 #include "support/StringConverter.h"
 #include "support/TarniSettingStoreScope.h"
 #include "support/messages/DSIMessageManager.h"
@@ -79,6 +81,9 @@ const char* ConfigCommandLine::UsageText()
            "  import FILE           replace the settings with those of FILE (- for standard\n"
            "                        input); settings it does not name return to their\n"
            "                        defaults, logging settings stay as they are\n"
+           "  test [KEY=VALUE...]   open a session on the server with the settings (and\n"
+           "                        the given changes, which are not saved); prints the\n"
+           "                        result, exit 0 when the session opened, 1 when not\n"
            "  diff FILE             print what import FILE would change, key by key:\n"
            "                        + added, - removed, ~ changed (secrets by name only)\n"
            "\n"
@@ -133,6 +138,7 @@ const ConfigCommandLine::Command* ConfigCommandLine::FindCommand(tarni_wstring_v
         {u"export", false, &ConfigCommandLine::Export},
         {u"import", true, &ConfigCommandLine::Import},
         {u"diff", false, &ConfigCommandLine::Diff},
+        {u"test", false, &ConfigCommandLine::Test},
     };
     for (const Command& command : COMMANDS)
     {
@@ -585,5 +591,15 @@ int ConfigCommandLine::SetSecret(QDCConfiguration& io_config, const Operands& in
     credential->SetEncryptPwd(true);
     credential->SetDPAPIEncryptForAllUsers(allUsers);
     return SaveAndReport(io_config);
+}
+
+int ConfigCommandLine::Test(QDCConfiguration& io_config, const Operands& in_operands)
+{
+    if (m_options.json)
+    {
+        return Usage("test prints the Test Results report; --json does not apply to it");
+    }
+    return ConfigTestCommand(m_out, Err(), ThriftExtension::TEConnectionTesterFactory::GetDefault())
+        .Run(io_config, in_operands);
 }
 }  // namespace Tarni::SparkODBC

@@ -78,6 +78,8 @@ private:
     int Export(QDCConfiguration& io_config, const Operands& in_operands);
     int Import(QDCConfiguration& io_config, const Operands& in_operands);
     int Diff(QDCConfiguration& io_config, const Operands& in_operands);
+    /// Opens a session with the settings (and KEY=VALUE changes for this attempt only).
+    int Test(QDCConfiguration& io_config, const Operands& in_operands);
 
     /// Saves (or with --check only compares) and reports what changed.
     int SaveAndReport(QDCConfiguration& io_config);

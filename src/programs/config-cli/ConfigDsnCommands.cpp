@@ -1,4 +1,6 @@
 #include "programs/config-cli/ConfigDsnCommands.h"
+#include "programs/config-cli/ConfigTestCommand.h"
+#include "thrift/TEConnectionTesterFactory.h"
 
 #include <algorithm>
 #include <iostream>
@@ -45,8 +47,8 @@ const char* ConfigDsnCommands::UsageText()
 {
     return "Data sources (through the ODBC installer; user data sources unless --system):\n"
            "  --dsn NAME [--system] COMMAND [ARGUMENTS]\n"
-           "                        run show, get, set, unset, set-secret, export or\n"
-           "                        import on the data source NAME instead of the\n"
+           "                        run show, get, set, unset, set-secret, export,\n"
+           "                        import or test on the data source NAME instead of the\n"
            "                        driver-wide settings; it stores its description,\n"
            "                        host and port and what differs from the driver-wide\n"
            "                        settings; unset returns a setting to those\n"
@@ -68,7 +70,8 @@ int ConfigDsnCommands::RunOnDataSource(const tarni_wstring& in_iniPath, const ta
                                        bool in_system, const tarni_wstring& in_command,
                                        const std::vector<tarni_wstring>& in_operands)
 {
-    const tarni_wstring_view commands[] = {u"show", u"get", u"set", u"unset", u"set-secret", u"export", u"import"};
+    const tarni_wstring_view commands[] = {u"show",   u"get",    u"set",   u"unset",
+                                           u"set-secret", u"export", u"import", u"test"};
     if (std::find(std::begin(commands), std::end(commands), in_command) == std::end(commands))
     {
         return Usage("unknown command " + U8(in_command) + " for a data source");
@@ -120,6 +123,11 @@ int ConfigDsnCommands::RunOnDataSource(const tarni_wstring& in_iniPath, const ta
         if (in_command == u"export")
         {
             return Export(config, in_operands[0]);
+        }
+        if (in_command == u"test")
+        {
+            return ConfigTestCommand(m_out, m_err, ThriftExtension::TEConnectionTesterFactory::GetDefault())
+                .Run(config, in_operands);
         }
         return Import(config, in_operands[0]);
     }

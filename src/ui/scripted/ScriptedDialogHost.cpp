@@ -111,7 +111,7 @@ int ScriptedDialogHost::MessageBox(IDialogWindow* in_owner, tarni_wstring_view i
     return answer;
 }
 
-bool ScriptedDialogHost::SetWaitCursor()
+bool ScriptedDialogHost::SetWaitCursor(tarni_wstring_view)
 {
     if (!m_waitCursorAvailable)
     {

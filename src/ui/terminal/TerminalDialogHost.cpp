@@ -189,12 +189,12 @@ DialogRect TerminalDialogHost::GetDesktopRect()
     return DialogRect{0, 0, GetScreenCols(), GetDialogRows()};
 }
 
-bool TerminalDialogHost::SetWaitCursor()
+bool TerminalDialogHost::SetWaitCursor(tarni_wstring_view in_activity)
 {
     // The terminal has no mouse pointer: the status line says it instead.
     if (m_screen.IsActive())
     {
-        DrawStatus(L"Please wait...");
+        DrawStatus(in_activity.empty() ? std::wstring(L"Please wait...") : TerminalText::ToWide(in_activity));
         ::wnoutrefresh(stdscr);
         ::doupdate();
     }

@@ -50,7 +50,7 @@ public:
     int MessageBox(IDialogWindow* in_owner, tarni_wstring_view in_text, tarni_wstring_view in_caption,
                    std::uint32_t in_flags) override;
     DialogRect GetDesktopRect() override;
-    bool SetWaitCursor() override;
+    bool SetWaitCursor(tarni_wstring_view in_activity) override;
     std::optional<tarni_wstring> GetOpenFileName(const FileChooserOptions& in_options) override;
     std::optional<tarni_wstring> GetSaveFileName(const FileChooserOptions& in_options) override;
     std::optional<tarni_wstring> BrowseForFolder(IDialogWindow* in_owner, tarni_wstring_view in_title) override;

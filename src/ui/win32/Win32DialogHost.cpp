@@ -123,7 +123,7 @@ DialogRect Win32DialogHost::GetDesktopRect()
     return DialogRect{rect.left, rect.top, rect.right, rect.bottom};
 }
 
-bool Win32DialogHost::SetWaitCursor()
+bool Win32DialogHost::SetWaitCursor(tarni_wstring_view)
 {
     HCURSOR cursor = ::LoadCursorW(nullptr, IDC_WAIT);
     if (cursor == nullptr)

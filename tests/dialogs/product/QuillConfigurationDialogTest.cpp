@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "dialogs/MainDialogTestSupport.h"
+#include "driversupport/DSUnavailableConnectionTester.h"
 #include "driversupport/ConfigurationKeys.h"
 #include "core/ComponentId.h"
 #include "core/ErrorException.h"
@@ -516,7 +517,7 @@ TEST_F(QuillConfigurationDialogTest, TheTestReportSaysFailedOrNotAvailable)
     const std::pair<IConnectionTester*, tarni_wstring> cases[] = {
         {&failing, u"FAILED!\r\n\r\n[Tarni] Connection refused.\r\n\r\nODBC Version: 03.80\r\nDriver Version: "
                    u"2.7.5.1012\r\nBitness: 64-bit"},
-        {nullptr, u"Connection testing is not available in this build.\r\nDriver Version: 2.7.5.1012\r\nBitness: "
+        {&DriverSupport::DSUnavailableConnectionTester::Instance(), u"Connection testing is not available in this build.\r\nDriver Version: 2.7.5.1012\r\nBitness: "
                   u"64-bit"},
     };
     for (const auto& [tester, expected] : cases)

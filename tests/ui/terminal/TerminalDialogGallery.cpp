@@ -2,8 +2,11 @@
 // scripts/screenshots-terminal.sh: the dialog of the template id on the
 // command line with its own controller, over a default configuration with a
 // few sample values, for the dialogs the program itself does not reach (the
-// DSN setup and its OAuth Options). Nothing is saved.
+// DSN setup and its OAuth Options). Further KEY=VALUE arguments replace
+// sample values (the connection test's flow test points the DSN setup at its
+// server that way). Nothing is saved.
 #include <cstdlib>
+#include <string>
 
 #include "dialogs/driversupport/DSOAuthOptionsDialog.h"
 #include "dialogs/framework/DSDialogModule.h"
@@ -12,6 +15,7 @@
 #include "product/QuillConfiguration.h"
 #include "product/SOProductIdentity.h"
 #include "resource.h"
+#include "support/StringConverter.h"
 #include "ui/DialogHostFactory.h"
 
 using namespace Tarni;
@@ -30,6 +34,16 @@ int main(int argc, char** argv)
     configuration.SetValue(Keys::Auth_Client_ID, u"spark-odbc");
     configuration.SetValue(Keys::OAuth2TokenEndPoint, u"https://login.example.com/oauth2/token");
     configuration.SetValue(Keys::Auth_Scope, u"sql");
+    for (int i = 2; i < argc; ++i)
+    {
+        const std::string setting = argv[i];
+        const std::size_t equals = setting.find('=');
+        if (equals != std::string::npos)
+        {
+            configuration.SetValue(Support::StringConverter::FromUtf8(setting.substr(0, equals)),
+                                   Support::StringConverter::FromUtf8(setting.substr(equals + 1)));
+        }
+    }
 
     std::intptr_t result = 0;
     if (id == IDD_OAUTH_OPTIONS)

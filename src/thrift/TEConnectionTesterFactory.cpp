@@ -1,0 +1,19 @@
+#include "thrift/TEConnectionTesterFactory.h"
+
+#ifdef TARNI_HAVE_THRIFT
+#include "thrift/TEConnectionTester.h"
+#else
+#include "driversupport/DSUnavailableConnectionTester.h"
+#endif
+
+namespace Tarni::ThriftExtension
+{
+DriverSupport::IConnectionTester& TEConnectionTesterFactory::GetDefault()
+{
+#ifdef TARNI_HAVE_THRIFT
+    return TEConnectionTester::Instance();
+#else
+    return DriverSupport::DSUnavailableConnectionTester::Instance();
+#endif
+}
+}  // namespace Tarni::ThriftExtension

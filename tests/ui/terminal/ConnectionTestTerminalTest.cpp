@@ -1,0 +1,92 @@
+// The DSN setup's Test button on the terminal host, driven through tmux as a
+// user would, against the project's TCLIService server on 127.0.0.1: the
+// Test Results dialog reports the opened session, and a server that never
+// answers shows "Connecting..." until the time limit names the cause.
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <filesystem>
+#include <memory>
+
+#include <thrift/transport/TServerSocket.h>
+
+#include "TmuxSession.h"
+#include "thrift/server/TestTCLIServer.h"
+
+namespace Tarni::Testing
+{
+namespace
+{
+std::string LastLine(const std::string& in_screen)
+{
+    std::string trimmed = in_screen;
+    while (!trimmed.empty() && trimmed.back() == '\n')
+    {
+        trimmed.pop_back();
+    }
+    return trimmed.substr(trimmed.rfind('\n') + 1);
+}
+
+class ConnectionTestTerminal : public ::testing::Test
+{
+protected:
+    void TearDown() override
+    {
+        m_session.reset();
+        std::filesystem::remove_all(m_folder);
+    }
+
+    // The DSN setup dialog over the settings, with the focus on Test.
+    void StartOn(std::uint16_t in_port, const std::string& in_timeout)
+    {
+        m_folder = std::filesystem::temp_directory_path() / ("tarni-conntest-tmux-" + std::to_string(::getpid()));
+        std::filesystem::create_directories(m_folder);
+        m_session = std::make_unique<TmuxSession>(
+            m_folder.string(), "HOME=\"$PWD\" '" + std::string(TARNI_GALLERY_EXE) +
+                                   "' 1093 Host=127.0.0.1 Port=" + std::to_string(in_port) +
+                                   " AuthMech=3 ThriftTransport=1 UID=alice PWD=pw-42 ServiceDiscoveryMode=0"
+                                   " ConnectionTestTimeout=" +
+                                   in_timeout + "\necho RUN-DONE\nsleep 600\n");
+        ASSERT_TRUE(m_session->WaitForText("DSN Setup")) << m_session->Screen();
+        for (int i = 0; i < 60 && LastLine(m_session->Screen()).rfind(" Test", 0) != 0; ++i)
+        {
+            m_session->Key("Tab");
+        }
+        ASSERT_EQ(LastLine(m_session->Screen()).rfind(" Test", 0), 0u) << m_session->Screen();
+    }
+
+    std::filesystem::path m_folder;
+    std::unique_ptr<TmuxSession> m_session;
+};
+
+TEST_F(ConnectionTestTerminal, TestOpensASessionAndShowsTheReport)
+{
+    TestTCLIServer::Options options;
+    options.mode = TestTCLIServer::Mode::Sasl;
+    options.user = "alice";
+    options.password = "pw-42";
+    TestTCLIServer server(options);
+    StartOn(server.Port(), "5");
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitForText("Successfully connected to data source!")) << m_session->Screen();
+    EXPECT_NE(m_session->Screen().find("SUCCESS!"), std::string::npos);
+    EXPECT_NE(m_session->Screen().find("Bitness: 64-bit"), std::string::npos);
+    EXPECT_EQ(server.SessionsClosed(), 1);
+    m_session->Key("Enter");  // OK of Test Results
+    m_session->Key("Escape");
+    EXPECT_TRUE(m_session->WaitForText("RUN-DONE")) << m_session->Screen();
+}
+
+TEST_F(ConnectionTestTerminal, ASilentServerShowsConnectingThenTheTimeout)
+{
+    apache::thrift::transport::TServerSocket silent("127.0.0.1", 0);
+    silent.listen();
+    StartOn(static_cast<std::uint16_t>(silent.getPort()), "3");
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitForText("Connecting...")) << m_session->Screen();
+    ASSERT_TRUE(m_session->WaitForText("accepted the connection but did not answer within 3")) << m_session->Screen();
+    EXPECT_NE(m_session->Screen().find("FAILED!"), std::string::npos);
+}
+}  // namespace
+}  // namespace Tarni::Testing
