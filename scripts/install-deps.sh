@@ -18,12 +18,15 @@ packages=(
   libssl3 openssl libodbcinst2
   # Windows cross build, Wine to run its tests, X server for dialog tests
   g++-mingw-w64-x86-64-posix mingw-w64-tools wine wine64 xvfb xauth
-  # source packages (Expat for the cross target)
+  # source packages (Expat, OpenSSL, Apache Thrift for the cross target)
   dpkg-dev
   # libFuzzer targets (clang with its sanitizer and fuzzer runtimes)
   clang libclang-rt-14-dev
   # terminal-host tests and screenshots
   tmux imagemagick x11-apps
+  # packages: the MSI (wixl), the Debian package's checks, and the
+  # CA bundle the MSI ships as the default trusted certificates file
+  wixl lintian ca-certificates
 )
 
 missing=()
