@@ -20,6 +20,14 @@ fi
 stage=$tarni_cross_work/host
 mkdir -p "$stage/include"
 ln -s /usr/include/boost "$stage/include/boost"
+# Thrift includes some Windows headers in their Windows spelling (Shlwapi.h,
+# AccCtrl.h); mingw-w64 ships them in lower case on a case-sensitive disk.
+mingw_include=/usr/x86_64-w64-mingw32/include
+for header in $(grep -rhoE '#\s*include\s*<[A-Za-z0-9_]*[A-Z][A-Za-z0-9_]*\.h>' "$tarni_cross_src/lib/cpp/src" \
+                | sed -E 's/.*<(.*)>/\1/' | sort -u); do
+  lower=$(echo "$header" | tr 'A-Z' 'a-z')
+  [ -f "$mingw_include/$header" ] || [ ! -f "$mingw_include/$lower" ] || ln -s "$mingw_include/$lower" "$stage/include/$header"
+done
 cat >"$tarni_cross_work/toolchain.cmake" <<TOOLCHAIN
 include($tarni_cross_toolchain)
 list(APPEND CMAKE_FIND_ROOT_PATH "$stage" "$openssl")
