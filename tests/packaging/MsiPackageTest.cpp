@@ -8,6 +8,7 @@
 
 #include <windows.h>
 #include <msi.h>
+#include <shellapi.h>
 #include <shlobj.h>
 
 #include <chrono>
@@ -39,7 +40,7 @@ struct Result
 
 /// Runs a command line through the shell and collects its output. The outer
 /// quotes are the ones cmd /c strips from a line that starts with a quote.
-Result Run(const std::wstring& in_command)
+Result RunShell(const std::wstring& in_command)
 {
     Result result;
     FILE* pipe = _wpopen((L"\"" + in_command + L" 2>&1\"").c_str(), L"r");
@@ -53,7 +54,7 @@ Result Run(const std::wstring& in_command)
 /// msiexec's exit code; Wine keeps only its low 8 bits (1603 reads as 67).
 DWORD Msiexec(const std::wstring& in_arguments)
 {
-    return Run(L"msiexec.exe " + in_arguments + L" /qn").exitCode & 0xFF;
+    return RunShell(L"msiexec.exe " + in_arguments + L" /qn").exitCode & 0xFF;
 }
 
 fs::path InstallDir()
@@ -135,7 +136,7 @@ TEST_F(MsiPackageTest, InstallsSilentlyAndTheInstalledProgramSavesWithItsOwnFile
     // The installed command-line program takes its error text from the
     // installed message files.
     const Result refused =
-        Run(L"\"" + (dir / L"tarni-spark-config.exe").wstring() + L"\" export C:\\no\\such\\folder\\out.ini");
+        RunShell(L"\"" + (dir / L"tarni-spark-config.exe").wstring() + L"\" export C:\\no\\such\\folder\\out.ini");
     EXPECT_EQ(1u, refused.exitCode);
     EXPECT_NE(std::string::npos, refused.output.find("Cannot write the configuration file")) << refused.output;
 
@@ -161,7 +162,7 @@ TEST_F(MsiPackageTest, InstallsSilentlyAndTheInstalledProgramSavesWithItsOwnFile
     ::CloseHandle(process.hThread);
     ::CloseHandle(process.hProcess);
     EXPECT_EQ(1u, exitCode);
-    const Result query = Run(L"reg query \"" + RegistryKey() + L"\" /v DelegationUID");
+    const Result query = RunShell(L"reg query \"" + RegistryKey() + L"\" /v DelegationUID");
     EXPECT_NE(std::string::npos, Narrow(query.output).find(token)) << query.output;
 }
 
@@ -177,7 +178,7 @@ TEST_F(MsiPackageTest, UninstallRemovesTheFilesAndKeepsTheSettings)
     EXPECT_FALSE(fs::exists(InstallDir() / L"messages\\en-US\\DSMessages.xml"));
     EXPECT_FALSE(HasStartMenuEntry());
     EXPECT_TRUE(InstalledVersions().empty());
-    const Result query = Run(L"reg query \"" + RegistryKey() + L"\" /v Host");
+    const Result query = RunShell(L"reg query \"" + RegistryKey() + L"\" /v Host");
     EXPECT_NE(std::string::npos, query.output.find("kept.example.test")) << query.output;
 }
 
