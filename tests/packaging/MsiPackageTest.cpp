@@ -180,6 +180,7 @@ TEST_F(MsiPackageTest, UninstallRemovesTheFilesAndKeepsTheSettings)
     EXPECT_TRUE(InstalledVersions().empty());
     const Result query = RunShell(L"reg query \"" + RegistryKey() + L"\" /v Host");
     EXPECT_NE(std::string::npos, query.output.find("kept.example.test")) << query.output;
+    store->DeleteValue(u"Host");
 }
 
 TEST_F(MsiPackageTest, ANewerPackageReplacesTheOlderOne)
