@@ -1,7 +1,9 @@
 # Finds the third-party libraries. The Linux build takes them from Debian's
 # packages; the mingw cross build takes header-only libraries from the host
-# through a staged include folder (never the whole of /usr/include) and Expat
-# from the cross build made by scripts/build-expat-mingw.sh.
+# through a staged include folder (never the whole of /usr/include) and Expat,
+# OpenSSL and Apache Thrift from the cross builds that
+# scripts/build-<name>-mingw.sh keep in the user's cache folder
+# (tarni-cross/<name>-<Debian version>, the newest complete one is taken).
 find_package(Threads REQUIRED)
 
 if(WIN32)
@@ -15,8 +17,35 @@ if(WIN32)
   add_library(tarni_host_headers INTERFACE)
   target_include_directories(tarni_host_headers SYSTEM INTERFACE ${TARNI_HOST_HEADERS})
 
-  set(TARNI_EXPAT_PREFIX "${CMAKE_BINARY_DIR}/../expat-mingw" CACHE PATH "Expat built for the cross target")
-  find_library(TARNI_EXPAT_LIB NAMES libexpat.a expat PATHS ${TARNI_EXPAT_PREFIX}/lib NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH)
+  if(DEFINED ENV{XDG_CACHE_HOME} AND NOT "$ENV{XDG_CACHE_HOME}" STREQUAL "")
+    set(TARNI_CROSS_CACHE "$ENV{XDG_CACHE_HOME}/tarni-cross")
+  else()
+    set(TARNI_CROSS_CACHE "$ENV{HOME}/.cache/tarni-cross")
+  endif()
+  # tarni_cross_prefix(<var> <name>): the newest complete cross build of <name>.
+  function(tarni_cross_prefix out name)
+    file(GLOB candidates LIST_DIRECTORIES true "${TARNI_CROSS_CACHE}/${name}-*")
+    list(SORT candidates COMPARE NATURAL ORDER DESCENDING)
+    foreach(dir IN LISTS candidates)
+      if(EXISTS "${dir}/.complete")
+        set(${out} "${dir}" PARENT_SCOPE)
+        return()
+      endif()
+    endforeach()
+    set(${out} "" PARENT_SCOPE)
+  endfunction()
+
+  # TARNI_EXPAT_PREFIX and TARNI_OPENSSL_PREFIX may be given on the command
+  # line; otherwise the cache is searched on every configuration. Expat falls
+  # back to build/expat-mingw, where its script used to put it.
+  if(NOT TARNI_EXPAT_PREFIX)
+    tarni_cross_prefix(TARNI_EXPAT_PREFIX expat)
+    if(NOT TARNI_EXPAT_PREFIX)
+      set(TARNI_EXPAT_PREFIX "${CMAKE_BINARY_DIR}/../expat-mingw")
+    endif()
+  endif()
+  find_library(TARNI_EXPAT_LIB NAMES libexpat.a expat PATHS ${TARNI_EXPAT_PREFIX}/lib
+    NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH NO_CACHE)
   if(NOT TARNI_EXPAT_LIB)
     message(FATAL_ERROR "Expat for the cross target not found under ${TARNI_EXPAT_PREFIX}; run scripts/build-expat-mingw.sh")
   endif()
@@ -24,6 +53,40 @@ if(WIN32)
   set_target_properties(tarni_expat PROPERTIES IMPORTED_LOCATION ${TARNI_EXPAT_LIB}
     INTERFACE_INCLUDE_DIRECTORIES ${TARNI_EXPAT_PREFIX}/include
     INTERFACE_COMPILE_DEFINITIONS XML_STATIC)
+
+  # OpenSSL: libcrypto is loaded at run time, so only its DLLs are needed,
+  # beside the programs and the tests; libssl serves Apache Thrift's TLS.
+  if(NOT TARNI_OPENSSL_PREFIX)
+    tarni_cross_prefix(TARNI_OPENSSL_PREFIX openssl)
+  endif()
+  if(TARNI_OPENSSL_PREFIX AND EXISTS "${TARNI_OPENSSL_PREFIX}/bin/libcrypto-3-x64.dll")
+    message(STATUS "OpenSSL for the cross target: ${TARNI_OPENSSL_PREFIX}")
+    file(GLOB TARNI_OPENSSL_DLLS "${TARNI_OPENSSL_PREFIX}/bin/*.dll")
+    file(COPY ${TARNI_OPENSSL_DLLS} DESTINATION ${CMAKE_BINARY_DIR}/bin)
+    add_library(tarni_openssl_ssl SHARED IMPORTED)
+    set_target_properties(tarni_openssl_ssl PROPERTIES
+      IMPORTED_IMPLIB "${TARNI_OPENSSL_PREFIX}/lib/libssl.dll.a"
+      IMPORTED_LOCATION "${TARNI_OPENSSL_PREFIX}/bin/libssl-3-x64.dll"
+      INTERFACE_INCLUDE_DIRECTORIES "${TARNI_OPENSSL_PREFIX}/include")
+    add_library(tarni_openssl_crypto SHARED IMPORTED)
+    set_target_properties(tarni_openssl_crypto PROPERTIES
+      IMPORTED_IMPLIB "${TARNI_OPENSSL_PREFIX}/lib/libcrypto.dll.a"
+      IMPORTED_LOCATION "${TARNI_OPENSSL_PREFIX}/bin/libcrypto-3-x64.dll"
+      INTERFACE_INCLUDE_DIRECTORIES "${TARNI_OPENSSL_PREFIX}/include")
+  else()
+    message(STATUS "OpenSSL for the cross target not found; run scripts/build-openssl-mingw.sh")
+  endif()
+
+  # Apache Thrift: found here for src/thrift, which looks for it by these names.
+  tarni_cross_prefix(thrift_prefix thrift)
+  if(thrift_prefix AND TARGET tarni_openssl_ssl)
+    find_path(TARNI_THRIFT_INCLUDE_DIR thrift/transport/TTransportException.h
+      PATHS ${thrift_prefix}/include NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH NO_CACHE)
+    find_library(TARNI_THRIFT_LIBRARY NAMES libthrift.a libthriftMD.a
+      PATHS ${thrift_prefix}/lib NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH NO_CACHE)
+    # What the static library needs from the system and from OpenSSL.
+    set(TARNI_THRIFT_DEPENDENCIES tarni_openssl_ssl tarni_openssl_crypto ws2_32 crypt32)
+  endif()
 else()
   find_package(ICU 70 REQUIRED COMPONENTS uc i18n)
   find_package(Boost 1.74 REQUIRED)

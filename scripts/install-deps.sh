@@ -20,7 +20,7 @@ packages=(
   unixodbc-dev odbcinst
   # Windows cross build, Wine to run its tests, X server for dialog tests
   g++-mingw-w64-x86-64-posix mingw-w64-tools wine wine64 xvfb xauth
-  # source packages (Expat for the cross target)
+  # source packages (Expat, OpenSSL, Apache Thrift for the cross target)
   dpkg-dev
   # libFuzzer targets (clang with its sanitizer and fuzzer runtimes)
   clang libclang-rt-14-dev
@@ -28,6 +28,9 @@ packages=(
   tmux imagemagick x11-apps
   # connection test: the Thrift compiler generates the TCLIService client
   thrift-compiler libssl-dev
+  # packages: the MSI (wixl), the Debian package's checks, and the
+  # CA bundle the MSI ships as the default trusted certificates file
+  wixl lintian ca-certificates
 )
 # npm fetches the TCLIService IDL (scripts/fetch-tcliservice-idl.sh); a Node.js
 # installed from elsewhere brings its own npm.

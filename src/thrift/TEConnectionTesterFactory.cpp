@@ -1,6 +1,6 @@
 #include "thrift/TEConnectionTesterFactory.h"
 
-#ifdef TARNI_HAVE_THRIFT
+#ifdef TARNI_HAVE_CONNECTION_TESTER
 #include "thrift/TEConnectionTester.h"
 #else
 #include "driversupport/DSUnavailableConnectionTester.h"
@@ -10,7 +10,7 @@ namespace Tarni::ThriftExtension
 {
 DriverSupport::IConnectionTester& TEConnectionTesterFactory::GetDefault()
 {
-#ifdef TARNI_HAVE_THRIFT
+#ifdef TARNI_HAVE_CONNECTION_TESTER
     return TEConnectionTester::Instance();
 #else
     return DriverSupport::DSUnavailableConnectionTester::Instance();

@@ -11,8 +11,15 @@ using Support::ErrorException;
 namespace
 {
 // The registry write error: component 63, message 1010, with the system's text.
-[[noreturn]] void ThrowRegistryError(LONG in_code)
+// A write refused for lack of rights gets its own message naming the key: the
+// program writes under HKEY_LOCAL_MACHINE, which only an elevated process may.
+[[noreturn]] void ThrowRegistryError(LONG in_code, const tarni_wstring& in_location)
 {
+    if (in_code == ERROR_ACCESS_DENIED)
+    {
+        throw ErrorException(DiagState::GeneralError, Support::DS_ERROR, u"DSRegistryAccessDeniedErr",
+                             {in_location}, 1190);
+    }
     throw ErrorException(DiagState::GeneralError, Support::DS_ERROR, u"DSRegistryWriteErr",
                          {SystemError::Text(static_cast<int>(in_code))}, 1010);
 }
@@ -80,7 +87,7 @@ void RegistryStore::WriteValue(tarni_wstring_view in_name, tarni_wstring_view in
     LONG rc = RegCreateKeyW(m_root, W(m_path), &key);
     if (rc != ERROR_SUCCESS)
     {
-        ThrowRegistryError(rc);
+        ThrowRegistryError(rc, GetLocation());
     }
     const tarni_wstring name(in_name);
     const tarni_wstring value(in_value);
@@ -89,7 +96,7 @@ void RegistryStore::WriteValue(tarni_wstring_view in_name, tarni_wstring_view in
     RegCloseKey(key);
     if (rc != ERROR_SUCCESS)
     {
-        ThrowRegistryError(rc);
+        ThrowRegistryError(rc, GetLocation());
     }
 }
 
@@ -99,7 +106,7 @@ void RegistryStore::DeleteValue(tarni_wstring_view in_name)
     const LONG rc = RegOpenKeyExW(m_root, W(m_path), 0, KEY_ALL_ACCESS, &key);
     if (rc != ERROR_SUCCESS)
     {
-        ThrowRegistryError(rc);
+        ThrowRegistryError(rc, GetLocation());
     }
     const tarni_wstring name(in_name);
     RegDeleteValueW(key, W(name));

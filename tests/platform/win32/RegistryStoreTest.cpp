@@ -78,3 +78,44 @@ TEST_F(RegistryStoreTest, DeleteRemovesOneValueAndNeedsTheKey)
         EXPECT_FALSE(e.GetParameters().at(0).empty());
     }
 }
+
+// A key the process may read but not write, as HKEY_LOCAL_MACHINE is to a
+// program that was not started as administrator: the save names the key and
+// says how to get the rights, not only the system's "Access is denied".
+TEST_F(RegistryStoreTest, RefusedWriteSaysToRunAsAdministratorAndNamesTheKey)
+{
+    const std::u16string path = m_key + u" locked";
+    const auto* wpath = reinterpret_cast<const wchar_t*>(path.c_str());
+    HKEY key = nullptr;
+    ASSERT_EQ(ERROR_SUCCESS, RegCreateKeyExW(HKEY_CURRENT_USER, wpath, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key,
+                                             nullptr));
+    // Everyone may read the key and change its permissions back, nothing more.
+    SECURITY_DESCRIPTOR descriptor;
+    ASSERT_TRUE(InitializeSecurityDescriptor(&descriptor, SECURITY_DESCRIPTOR_REVISION));
+    SID_IDENTIFIER_AUTHORITY world = SECURITY_WORLD_SID_AUTHORITY;
+    PSID everyone = nullptr;
+    ASSERT_TRUE(AllocateAndInitializeSid(&world, 1, SECURITY_WORLD_RID, 0, 0, 0, 0, 0, 0, 0, &everyone));
+    alignas(DWORD) BYTE aclBuffer[256];
+    auto* acl = reinterpret_cast<PACL>(aclBuffer);
+    ASSERT_TRUE(InitializeAcl(acl, sizeof(aclBuffer), ACL_REVISION));
+    ASSERT_TRUE(AddAccessAllowedAce(acl, ACL_REVISION, KEY_READ | WRITE_DAC | DELETE, everyone));
+    ASSERT_TRUE(SetSecurityDescriptorDacl(&descriptor, TRUE, acl, FALSE));
+    ASSERT_EQ(ERROR_SUCCESS, RegSetKeySecurity(key, DACL_SECURITY_INFORMATION, &descriptor));
+    RegCloseKey(key);
+
+    RegistryStore locked{HKEY_CURRENT_USER, path};
+    try
+    {
+        locked.WriteValue(u"Host", u"h");
+        ADD_FAILURE() << "writing to a read-only key succeeded";
+    }
+    catch (const Tarni::Support::ErrorException& e)
+    {
+        EXPECT_EQ(u"DSRegistryAccessDeniedErr", e.GetMessageKey());
+        EXPECT_EQ(1190, e.GetNativeErrorCode());
+        EXPECT_EQ(std::vector<std::u16string>{u"HKEY_CURRENT_USER\\" + path}, e.GetParameters());
+    }
+    EXPECT_TRUE(locked.ReadAll().empty());
+    EXPECT_EQ(ERROR_SUCCESS, RegDeleteKeyW(HKEY_CURRENT_USER, wpath));
+    FreeSid(everyone);
+}
