@@ -22,7 +22,7 @@ fi
 status=0
 echo "=== Linux: build and test ==="
 if cmake --preset linux >/dev/null && cmake --build --preset linux -j "$jobs"; then
-  ctest --preset linux -j "$jobs" || status=1
+  ctest --preset linux -j "$jobs" --output-on-failure || status=1
 else
   echo "Linux build failed"; status=1
 fi
@@ -34,7 +34,10 @@ if bash scripts/build-expat-mingw.sh && bash scripts/build-thrift-mingw.sh \
    && cmake --preset mingw >/dev/null && cmake --build --preset mingw -j "$jobs"; then
   # One Wine server for the whole run; tests then start quickly.
   bash scripts/wine-run.sh cmd /c exit >/dev/null 2>&1 || true
-  ctest --preset mingw -j "$jobs" || status=1
+  # Now and then a Wine test process ends at once without any output; such a
+  # test runs once more. A real failure fails both times, and the first
+  # attempt's output stays in the log.
+  ctest --preset mingw -j "$jobs" --output-on-failure --repeat until-pass:2 || status=1
 else
   echo "Windows build failed"; status=1
 fi
