@@ -548,26 +548,9 @@ int ConfigCommandLine::SetSecret(QDCConfiguration& io_config, const Operands& in
 {
     tarni_wstring key;
     bool allUsers = false;
-    for (size_t i = 0; i < in_operands.size(); ++i)
+    if (const auto problem = ConfigSettingChecks::ParseSecretOperands(in_operands, key, allUsers))
     {
-        if (in_operands[i] == u"--scope")
-        {
-            const tarni_wstring scope = i + 1 < in_operands.size() ? in_operands[++i] : tarni_wstring();
-            if (scope != u"user" && scope != u"machine")
-            {
-                return Usage("--scope takes user or machine");
-            }
-            allUsers = scope == u"machine";
-        }
-        else if (key.empty() && !in_operands[i].empty() && in_operands[i][0] != u'-')
-        {
-            key = in_operands[i];
-        }
-        else
-        {
-            return Usage("set-secret takes one KEY and --scope user|machine; the secret itself comes from "
-                         "standard input");
-        }
+        return Usage(*problem);
     }
     if (key.empty())
     {

@@ -305,26 +305,9 @@ int ConfigDsnCommands::SetSecret(SODataSourceConfiguration& io_config, const std
     // A system data source is read by every user of the machine: its
     // secrets are protected for all of them unless the caller says otherwise.
     bool allUsers = in_system;
-    for (size_t i = 0; i < in_operands.size(); ++i)
+    if (const auto problem = ConfigSettingChecks::ParseSecretOperands(in_operands, key, allUsers))
     {
-        if (in_operands[i] == u"--scope")
-        {
-            const tarni_wstring scope = i + 1 < in_operands.size() ? in_operands[++i] : tarni_wstring();
-            if (scope != u"user" && scope != u"machine")
-            {
-                return Usage("--scope takes user or machine");
-            }
-            allUsers = scope == u"machine";
-        }
-        else if (key.empty() && !in_operands[i].empty() && in_operands[i][0] != u'-')
-        {
-            key = in_operands[i];
-        }
-        else
-        {
-            return Usage("set-secret takes one KEY and --scope user|machine; the secret itself comes from "
-                         "standard input");
-        }
+        return Usage(*problem);
     }
     DriverSupport::DSUidPwdConfiguration* credential =
         key.empty() ? nullptr : io_config.FindCredentialBySecretKey(key);

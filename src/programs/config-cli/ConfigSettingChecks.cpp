@@ -109,4 +109,31 @@ bool ConfigSettingChecks::OutputWritten(std::ostream& io_out, std::ostream& io_e
            << "\n";
     return false;
 }
+std::optional<std::string> ConfigSettingChecks::ParseSecretOperands(const std::vector<tarni_wstring>& in_operands,
+                                                                    tarni_wstring& out_key, bool& io_allUsers)
+{
+    out_key.clear();
+    for (size_t i = 0; i < in_operands.size(); ++i)
+    {
+        if (in_operands[i] == u"--scope")
+        {
+            const tarni_wstring scope = i + 1 < in_operands.size() ? in_operands[++i] : tarni_wstring();
+            if (scope != u"user" && scope != u"machine")
+            {
+                return std::string("--scope takes user or machine");
+            }
+            io_allUsers = scope == u"machine";
+        }
+        else if (out_key.empty() && !in_operands[i].empty() && in_operands[i][0] != u'-')
+        {
+            out_key = in_operands[i];
+        }
+        else
+        {
+            return std::string("set-secret takes one KEY and --scope user|machine; the secret itself comes from "
+                               "standard input");
+        }
+    }
+    return std::nullopt;
+}
 }  // namespace Tarni::SparkODBC

@@ -26,6 +26,12 @@ public:
     /// Why a name cannot be unset (empty, a section header, or with "="), or nothing.
     static std::optional<std::string> ProblemWithUnsetName(tarni_wstring_view in_key);
 
+    /// The operands of set-secret: one KEY (out_key, empty when none is
+    /// given) and "--scope user|machine" (io_allUsers, left as it is without
+    /// one). The problem with them as a usage text, or nothing.
+    static std::optional<std::string> ParseSecretOperands(const std::vector<tarni_wstring>& in_operands,
+                                                          tarni_wstring& out_key, bool& io_allUsers);
+
     /// Flushes the output; false (after an error on io_err) when it could not be written.
     static bool OutputWritten(std::ostream& io_out, std::ostream& io_err);
 };
