@@ -8,7 +8,7 @@
 #include "common/ProductSettingsFixture.h"
 #include "common/TempDirectory.h"
 #include "programs/config-cli/ConfigCommandLine.h"
-#include "thrift/server/TestTCLIServer.h"
+#include "thrift/connectiontest/server/TestTCLIServer.h"
 
 using namespace Tarni;
 using SparkODBC::ConfigCommandLine;

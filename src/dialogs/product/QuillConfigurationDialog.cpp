@@ -25,7 +25,7 @@
 #include "product/SOConfigurationTables.h"
 #include "product/SOProductSettings.h"
 #include "product/SOUtils.h"
-#include "thrift/TEConnectionTesterFactory.h"
+#include "thrift/connectiontest/TEConnectionTesterFactory.h"
 #include "resource.h"
 #include "core/ComponentId.h"
 #include "core/NumberConverter.h"

@@ -24,7 +24,7 @@
 #include "product/SOProductIdentity.h"
 #include "core/ErrorException.h"
 #include "core/NullLogger.h"
-#include "thrift/TEConnectionTesterFactory.h"
+#include "thrift/connectiontest/TEConnectionTesterFactory.h"
 #include "support/StringConverter.h"
 #include "support/TarniSettingStoreScope.h"
 #include "support/messages/DSIMessageManager.h"

@@ -1,6 +1,6 @@
 #include "programs/config-cli/ConfigDsnCommands.h"
 #include "programs/config-cli/ConfigTestCommand.h"
-#include "thrift/TEConnectionTesterFactory.h"
+#include "thrift/connectiontest/TEConnectionTesterFactory.h"
 
 #include <algorithm>
 #include <iostream>

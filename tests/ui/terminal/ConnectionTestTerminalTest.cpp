@@ -12,7 +12,7 @@
 #include <thrift/transport/TServerSocket.h>
 
 #include "TmuxSession.h"
-#include "thrift/server/TestTCLIServer.h"
+#include "thrift/connectiontest/server/TestTCLIServer.h"
 
 namespace Tarni::Testing
 {

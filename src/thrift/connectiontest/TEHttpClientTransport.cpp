@@ -1,4 +1,4 @@
-#include "thrift/TEHttpClientTransport.h"
+#include "thrift/connectiontest/TEHttpClientTransport.h"
 
 #include <algorithm>
 #include <cctype>

@@ -20,10 +20,10 @@
 #include "driversupport/DSBase64.h"
 #include "driversupport/DSDSNConfiguration.h"
 #include "support/StringConverter.h"
-#include "thrift/TEConnectionTester.h"
-#include "thrift/TEHttpClientTransport.h"
-#include "thrift/TESaslClientTransport.h"
-#include "thrift/server/TestTCLIServer.h"
+#include "thrift/connectiontest/TEConnectionTester.h"
+#include "thrift/connectiontest/TEHttpClientTransport.h"
+#include "thrift/connectiontest/TESaslClientTransport.h"
+#include "thrift/connectiontest/server/TestTCLIServer.h"
 
 namespace
 {

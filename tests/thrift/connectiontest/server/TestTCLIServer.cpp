@@ -1,4 +1,4 @@
-#include "thrift/server/TestTCLIServer.h"
+#include "thrift/connectiontest/server/TestTCLIServer.h"
 
 #include <algorithm>
 #include <cctype>
@@ -14,7 +14,7 @@
 #include <thrift/transport/TTransportException.h>
 
 #include "driversupport/DSBase64.h"
-#include "thrift/server/TestTCLIHandler.h"
+#include "thrift/connectiontest/server/TestTCLIHandler.h"
 
 namespace Tarni::Testing
 {

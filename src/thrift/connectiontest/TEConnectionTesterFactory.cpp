@@ -1,7 +1,7 @@
-#include "thrift/TEConnectionTesterFactory.h"
+#include "thrift/connectiontest/TEConnectionTesterFactory.h"
 
 #ifdef TARNI_HAVE_CONNECTION_TESTER
-#include "thrift/TEConnectionTester.h"
+#include "thrift/connectiontest/TEConnectionTester.h"
 #else
 #include "driversupport/DSUnavailableConnectionTester.h"
 #endif

@@ -1,4 +1,4 @@
-#include "thrift/TETlsSocketFactory.h"
+#include "thrift/connectiontest/TETlsSocketFactory.h"
 
 #include <algorithm>
 
@@ -9,7 +9,7 @@
 #include <openssl/x509v3.h>
 
 #include "platform/SystemTrustStore.h"
-#include "thrift/TEConnectionTarget.h"
+#include "thrift/connectiontest/TEConnectionTarget.h"
 #include "thrift/TEException.h"
 #include "thrift/TEVerifiedPeerAccessManager.h"
 

@@ -1,4 +1,4 @@
-#include "thrift/TESaslClientTransport.h"
+#include "thrift/connectiontest/TESaslClientTransport.h"
 
 #include <algorithm>
 #include <cstring>

@@ -7,7 +7,7 @@
 #include <cstring>
 #include <iostream>
 
-#include "thrift/server/TestTCLIServer.h"
+#include "thrift/connectiontest/server/TestTCLIServer.h"
 
 int main(int argc, char** argv)
 {

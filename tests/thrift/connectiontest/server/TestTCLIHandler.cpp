@@ -1,4 +1,4 @@
-#include "thrift/server/TestTCLIHandler.h"
+#include "thrift/connectiontest/server/TestTCLIHandler.h"
 
 namespace Tarni::Testing
 {

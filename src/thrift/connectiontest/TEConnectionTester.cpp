@@ -1,4 +1,4 @@
-#include "thrift/TEConnectionTester.h"
+#include "thrift/connectiontest/TEConnectionTester.h"
 
 #include <exception>
 #include <memory>
@@ -17,12 +17,12 @@
 #include "platform/TcpConnector.h"
 #include "support/StringConverter.h"
 #include "support/messages/DSIMessageManager.h"
-#include "thrift/TEConnectionTarget.h"
-#include "thrift/TEDetachableSocket.h"
+#include "thrift/connectiontest/TEConnectionTarget.h"
+#include "thrift/connectiontest/TEDetachableSocket.h"
 #include "thrift/TEException.h"
-#include "thrift/TEHttpClientTransport.h"
-#include "thrift/TESaslClientTransport.h"
-#include "thrift/TETlsSocketFactory.h"
+#include "thrift/connectiontest/TEHttpClientTransport.h"
+#include "thrift/connectiontest/TESaslClientTransport.h"
+#include "thrift/connectiontest/TETlsSocketFactory.h"
 #include "thrift/TEUtils.h"
 
 namespace Tarni::ThriftExtension

@@ -1,4 +1,4 @@
-#include "thrift/TEConnectionTarget.h"
+#include "thrift/connectiontest/TEConnectionTarget.h"
 
 #include "driversupport/ConfigurationKeys.h"
 #include "driversupport/DSBase64.h"
