@@ -4,7 +4,8 @@
 
 namespace Tarni::DriverSupport
 {
-IConnectionTester::Outcome DSUnavailableConnectionTester::TestConnection(const DSDSNConfiguration& in_configuration)
+IConnectionTester::Outcome DSUnavailableConnectionTester::TestConnection(const DSDSNConfiguration& in_configuration,
+                                                                         DSCancellation& /*io_cancellation*/)
 {
     TARNI_LOG_ENTRY(in_configuration.GetLog(), "Tarni::DriverSupport", "DSUnavailableConnectionTester",
                     "TestConnection");

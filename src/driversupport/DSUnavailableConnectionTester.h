@@ -8,7 +8,8 @@ namespace Tarni::DriverSupport
 class DSUnavailableConnectionTester final : public IConnectionTester
 {
 public:
-    Outcome TestConnection(const DSDSNConfiguration& in_configuration) override;
+    using IConnectionTester::TestConnection;
+    Outcome TestConnection(const DSDSNConfiguration& in_configuration, DSCancellation& io_cancellation) override;
 
     /// The one instance the dialogs fall back to.
     static DSUnavailableConnectionTester& Instance();

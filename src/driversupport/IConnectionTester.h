@@ -3,7 +3,11 @@
 // data source's configuration and tries to connect with it. The Thrift
 // layer's TEConnectionTester implements it; a build without Apache Thrift uses
 // DSUnavailableConnectionTester, which says so.
+#include <vector>
+
 #include "core/TarniString.h"
+#include "driversupport/DSCancellation.h"
+#include "driversupport/DSTestStep.h"
 
 namespace Tarni::DriverSupport
 {
@@ -26,6 +30,9 @@ public:
         tarni_wstring odbcVersion;
         /// The locale of the connection, empty when not known.
         tarni_wstring locale;
+        /// The steps the attempt went through, in order; after a failure the
+        /// last one is the step that failed.
+        std::vector<DSTestStep> steps;
     };
 
     virtual ~IConnectionTester() = default;
@@ -34,6 +41,16 @@ public:
     /// secrets included; they must not be logged). A failure to connect is an
     /// outcome, not an exception; an ErrorException means the attempt itself
     /// could not be made.
-    virtual Outcome TestConnection(const DSDSNConfiguration& in_configuration) = 0;
+    ///
+    /// io_cancellation stops the attempt from another thread; a cancelled
+    /// attempt is a Failed outcome that says so.
+    virtual Outcome TestConnection(const DSDSNConfiguration& in_configuration, DSCancellation& io_cancellation) = 0;
+
+    /// The same attempt, for callers that never cancel it.
+    Outcome TestConnection(const DSDSNConfiguration& in_configuration)
+    {
+        DSCancellation never;
+        return TestConnection(in_configuration, never);
+    }
 };
 }  // namespace Tarni::DriverSupport

@@ -22,6 +22,7 @@
 #include "thrift/TEException.h"
 #include "thrift/connectiontest/TEHttpClientTransport.h"
 #include "thrift/connectiontest/TESaslClientTransport.h"
+#include "thrift/connectiontest/TEStepRecorder.h"
 #include "thrift/connectiontest/TETlsSocketFactory.h"
 #include "thrift/TEUtils.h"
 
@@ -205,10 +206,11 @@ struct Stack
     std::unique_ptr<TETlsSocketFactory> tls;
 };
 
-Stack BuildStack(const TEConnectionTarget& in_target)
+Stack BuildStack(const TEConnectionTarget& in_target, TEStepRecorder& io_steps)
 {
     Stack stack;
     const bool viaProxy = in_target.m_transport == TETransportMode::HTTP && !in_target.m_proxy.IsEmpty();
+    io_steps.Begin("connect");
     std::intptr_t connected;
     if (viaProxy)
     {
@@ -220,6 +222,8 @@ Stack BuildStack(const TEConnectionTarget& in_target)
         connected = Connect(in_target.m_host, in_target.m_port, in_target.GetAuthority(), in_target.m_timeoutMs, false);
     }
     SocketGuard guard(connected);
+    io_steps.Pass(viaProxy ? "the proxy " + StringConverter::ToUtf8(in_target.m_proxy.GetAuthority())
+                           : in_target.GetAuthority());
 
     if (in_target.m_ssl)
     {
@@ -343,16 +347,24 @@ bool Succeeded(const Cli::TStatus& in_status)
 }
 }  // namespace
 
-void TEConnectionTester::OpenAndCloseSession(const TEConnectionTarget& in_target, Support::ILogger* in_log)
+void TEConnectionTester::OpenAndCloseSession(const TEConnectionTarget& in_target, TEStepRecorder& io_steps,
+                                             DriverSupport::DSCancellation& io_cancellation, Support::ILogger* in_log)
 {
     TARNI_LOG_ENTRY(in_log, NS, CLS, "OpenAndCloseSession");
-    Stack stack = BuildStack(in_target);
+    if (io_cancellation.IsCancelled())
+    {
+        throw TEException(u"TETestCancelled", {});
+    }
+    Stack stack = BuildStack(in_target, io_steps);
     try
     {
         if (stack.sasl)
         {
+            io_steps.Begin("authentication");
             stack.sasl->open();
+            io_steps.Pass("SASL PLAIN as " + in_target.m_user);
         }
+        io_steps.Begin("open-session");
         auto protocol = std::make_shared<TBinaryProtocol>(stack.transport);
         Cli::TCLIServiceClient client(protocol);
 
@@ -373,12 +385,14 @@ void TEConnectionTester::OpenAndCloseSession(const TEConnectionTarget& in_target
         {
             Fail(u"TEOpenSessionRefused", {in_target.GetAuthority(), StatusText(openResponse.status)});
         }
+        io_steps.Pass("protocol version " + std::to_string(static_cast<int>(openResponse.serverProtocolVersion)));
         if (in_log != nullptr)
         {
             in_log->LogInfo(NS, CLS, "OpenAndCloseSession", "Session opened on %s (protocol version %d).",
                             in_target.GetAuthority().c_str(), static_cast<int>(openResponse.serverProtocolVersion));
         }
 
+        io_steps.Begin("close-session");
         Cli::TCloseSessionReq closeRequest;
         closeRequest.__set_sessionHandle(openResponse.sessionHandle);
         Cli::TCloseSessionResp closeResponse;
@@ -388,6 +402,10 @@ void TEConnectionTester::OpenAndCloseSession(const TEConnectionTarget& in_target
             // The session was opened: the test has its answer.
             in_log->LogWarning(NS, CLS, "OpenAndCloseSession", "CloseSession failed: %s",
                                StatusText(closeResponse.status).c_str());
+        }
+        else
+        {
+            io_steps.Pass();
         }
         stack.transport->close();
     }
@@ -406,22 +424,24 @@ void TEConnectionTester::OpenAndCloseSession(const TEConnectionTarget& in_target
 }
 
 DriverSupport::IConnectionTester::Outcome TEConnectionTester::TestConnection(
-    const DriverSupport::DSDSNConfiguration& in_configuration)
+    const DriverSupport::DSDSNConfiguration& in_configuration, DriverSupport::DSCancellation& io_cancellation)
 {
     Support::ILogger* log = in_configuration.GetLog();
     TARNI_LOG_ENTRY(log, NS, CLS, "TestConnection");
     const ThriftOutputScope output(log);
     Outcome outcome;
+    TEStepRecorder steps(outcome.steps);
     try
     {
         const TEConnectionTarget target = TEConnectionTarget::FromConfiguration(in_configuration);
-        OpenAndCloseSession(target, log);
+        OpenAndCloseSession(target, steps, io_cancellation, log);
         outcome.status = Outcome::Status::Succeeded;
     }
     catch (const Support::ErrorException& e)
     {
         outcome.status = Outcome::Status::Failed;
         outcome.errorText = Support::DSIMessageManager::GetDisplayText(e);
+        steps.Fail(outcome.errorText);
         if (log != nullptr)
         {
             log->LogWarning(NS, CLS, "TestConnection", "Connection test failed: %s",
@@ -434,6 +454,7 @@ DriverSupport::IConnectionTester::Outcome TEConnectionTester::TestConnection(
         // memory, a bad argument): still an answer for the user.
         outcome.status = Outcome::Status::Failed;
         outcome.errorText = TEException::ToParameter(e.what());
+        steps.Fail(outcome.errorText);
         if (log != nullptr)
         {
             log->LogError(NS, CLS, "TestConnection", "Connection test failed: %s", e.what());

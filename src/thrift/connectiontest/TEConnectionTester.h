@@ -9,17 +9,21 @@
 namespace Tarni::ThriftExtension
 {
 class TEConnectionTarget;
+class TEStepRecorder;
 
 class TEConnectionTester final : public DriverSupport::IConnectionTester
 {
 public:
     /// Every failure, including settings that cannot be tested, is a Failed
     /// outcome whose text names the cause; no secret is part of it.
-    Outcome TestConnection(const DriverSupport::DSDSNConfiguration& in_configuration) override;
+    using IConnectionTester::TestConnection;
+    Outcome TestConnection(const DriverSupport::DSDSNConfiguration& in_configuration,
+                           DriverSupport::DSCancellation& io_cancellation) override;
 
-    /// Connects to the target, opens a session and closes it again. Throws
-    /// TEException with the cause.
-    static void OpenAndCloseSession(const TEConnectionTarget& in_target, Support::ILogger* in_log);
+    /// Connects to the target, opens a session and closes it again, recording
+    /// each step. Throws TEException with the cause.
+    static void OpenAndCloseSession(const TEConnectionTarget& in_target, TEStepRecorder& io_steps,
+                                    DriverSupport::DSCancellation& io_cancellation, Support::ILogger* in_log);
 
     /// The one instance the programs use.
     static TEConnectionTester& Instance();

@@ -461,7 +461,9 @@ public:
     tarni_wstring seen;  ///< host, password and the three no-prompt keys during the attempt
     bool dropPlainPassword = true;
 
-    Outcome TestConnection(const DriverSupport::DSDSNConfiguration& in_configuration) override
+    using IConnectionTester::TestConnection;
+    Outcome TestConnection(const DriverSupport::DSDSNConfiguration& in_configuration,
+                           DriverSupport::DSCancellation& /*io_cancellation*/) override
     {
         ++calls;
         seen = in_configuration.GetValue(Keys::Host) + u"|" + in_configuration.GetValue(Keys::PWD) + u"|" +

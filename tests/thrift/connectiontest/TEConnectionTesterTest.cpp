@@ -198,6 +198,18 @@ protected:
         return StringConverter::ToUtf8(in_outcome.errorText);
     }
 
+    // The steps as "id:passed id:failed ...", for comparing in one line.
+    static std::string Steps(const IConnectionTester::Outcome& in_outcome)
+    {
+        std::string steps;
+        for (const Tarni::DriverSupport::DSTestStep& step : in_outcome.steps)
+        {
+            steps += (steps.empty() ? "" : " ") + step.id + ":" +
+                     (step.status == Tarni::DriverSupport::DSTestStep::Status::Passed ? "passed" : "failed");
+        }
+        return steps;
+    }
+
     static TestTCLIServer::Options Server(TestTCLIServer::Mode in_mode, const std::string& in_certificate = "")
     {
         TestTCLIServer::Options options;
@@ -234,6 +246,7 @@ TEST_F(ConnectionTest, OpensAndClosesASessionOverEachTransport)
         const auto outcome = Run();
         EXPECT_EQ(outcome.status, Status::Succeeded) << Text(outcome);
         EXPECT_EQ(server.SessionsClosed(), 1);
+        EXPECT_EQ(Steps(outcome), "connect:passed authentication:passed open-session:passed close-session:passed");
     }
     {
         SCOPED_TRACE("SASL PLAIN over TLS");
@@ -306,6 +319,8 @@ TEST_F(ConnectionTest, RefusedCredentialsNameTheServersReason)
         Set(Keys::PWD, "wrong");
         const auto outcome = Run();
         EXPECT_EQ(outcome.status, Status::Failed);
+        EXPECT_EQ(Steps(outcome), "connect:passed authentication:failed");
+        EXPECT_EQ(outcome.steps.back().detail, outcome.errorText);
         EXPECT_NE(Text(outcome).find("refused the user name or password: Error validating the login"),
                   std::string::npos)
             << Text(outcome);
