@@ -154,6 +154,7 @@ void TerminalScreen::Open()
     if (m_screen != nullptr)
     {
         // Back from endwin(): the next update takes the terminal again.
+        UseUtf8Locale();
         g_active = 1;
         ::clearok(curscr, TRUE);
         ::doupdate();
@@ -163,18 +164,13 @@ void TerminalScreen::Open()
     {
         ThrowUnavailable();
     }
-    // Wide characters need a UTF-8 character type; fall back to C.UTF-8 when
-    // the environment names none.
-    std::setlocale(LC_ALL, "");
-    if (std::strcmp(::nl_langinfo(CODESET), "UTF-8") != 0)
-    {
-        std::setlocale(LC_CTYPE, "C.UTF-8");
-    }
+    UseUtf8Locale();
     g_haveSavedModes = ::tcgetattr(STDIN_FILENO, &g_savedModes) == 0;
     InstallHandlers();
     m_screen = ::newterm(nullptr, stdout, stdin);
     if (m_screen == nullptr)
     {
+        RestoreLocale();
         ThrowUnavailable();
     }
     ::set_term(m_screen);
@@ -196,6 +192,29 @@ void TerminalScreen::Close()
 {
     ::endwin();
     g_active = 0;
+    RestoreLocale();
+}
+
+void TerminalScreen::UseUtf8Locale()
+{
+    const char* current = std::setlocale(LC_ALL, nullptr);
+    m_savedLocale = current != nullptr ? current : "C";
+    // Wide characters need a UTF-8 character type; fall back to C.UTF-8 when
+    // the environment names none.
+    std::setlocale(LC_ALL, "");
+    if (std::strcmp(::nl_langinfo(CODESET), "UTF-8") != 0)
+    {
+        std::setlocale(LC_CTYPE, "C.UTF-8");
+    }
+}
+
+void TerminalScreen::RestoreLocale()
+{
+    if (!m_savedLocale.empty())
+    {
+        std::setlocale(LC_ALL, m_savedLocale.c_str());
+        m_savedLocale.clear();
+    }
 }
 
 int TerminalScreen::Rows() const { return LINES; }

@@ -6,7 +6,8 @@
 // dialog (the session guard), exit(), std::terminate, and the signals that
 // end the process (SIGINT, SIGTERM, SIGHUP, SIGQUIT), whose handler restores
 // the terminal with async-signal-safe calls only and then lets the signal
-// take its default course.
+// take its default course. While the terminal is taken the C locale's
+// character type is UTF-8; the process's own locale comes back with it.
 #include <curses.h>
 
 #include <string>
@@ -64,8 +65,15 @@ private:
     void Open();
     void Close();
     static void InstallHandlers();
+    // Sets a UTF-8 character type for the session and remembers the host
+    // process's locale; RestoreLocale gives it back. Inside the setup library
+    // the process belongs to the ODBC administrator, whose locale must not
+    // change behind its back.
+    void UseUtf8Locale();
+    void RestoreLocale();
 
     int m_depth = 0;
+    std::string m_savedLocale;
     SCREEN* m_screen = nullptr;
 };
 }  // namespace Tarni::Platform
