@@ -29,17 +29,10 @@ const tarni_wstring_view NOT_DRIVER_WIDE[] = {Keys::LogLevel, Keys::LogPath, Key
                                               Keys::Driver,   Keys::DSN,     Keys::DESCRIPTION,  Keys::Host,
                                               Keys::Port,     Keys::Schema};
 
-/// Whether the installer lists the data source under this driver's name.
+/// Whether the installer has the data source under this driver's name.
 bool IsRegisteredWithDriver(tarni_wstring_view in_dsnName)
 {
-    for (const Platform::StoredValue& source : Platform::DataSourceStore::List())
-    {
-        if (StringConverter::EqualsIgnoreCase(source.name, in_dsnName))
-        {
-            return source.value == DSProductHelper::GetDriverName();
-        }
-    }
-    return false;
+    return Platform::DataSourceStore::DriverOf(in_dsnName) == DSProductHelper::GetDriverName();
 }
 
 /// What a data source always stores, whatever it inherits.

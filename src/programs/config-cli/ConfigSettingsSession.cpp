@@ -9,6 +9,7 @@
 #include "platform/SettingsStoreFactory.h"
 #include "product/QDCConfiguration.h"
 #include "product/SODataSourceConfiguration.h"
+#include "product/SODataSourceSession.h"
 #include "product/SOProductIdentity.h"
 
 namespace Tarni::SparkODBC
@@ -20,7 +21,7 @@ ConfigSettingsSession::ConfigSettingsSession(const tarni_wstring& in_iniPath,
 {
     if (in_dsnName || in_purpose == Purpose::ListDataSources)
     {
-        m_dataSourceMode.emplace(in_iniPath, in_system);
+        m_dataSourceMode = std::make_unique<SODataSourceSession>(in_iniPath, in_system);
         if (!in_dsnName)
         {
             return;
@@ -57,6 +58,11 @@ ConfigSettingsSession::ConfigSettingsSession(const tarni_wstring& in_iniPath,
 }
 
 ConfigSettingsSession::~ConfigSettingsSession() = default;
+
+bool ConfigSettingsSession::IsSystemDataSource() const
+{
+    return m_dataSourceMode && m_dataSourceMode->IsSystemMode();
+}
 
 QuillConfiguration& ConfigSettingsSession::GetConfiguration()
 {

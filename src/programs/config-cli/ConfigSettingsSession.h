@@ -14,7 +14,6 @@
 #include "driversupport/DSServerSidePropertyGroup.h"
 #include "driversupport/DSStoreChange.h"
 #include "platform/ISettingsStore.h"
-#include "product/SODataSourceSession.h"
 #include "support/TarniSettingStoreScope.h"
 
 namespace Tarni::SparkODBC
@@ -22,6 +21,7 @@ namespace Tarni::SparkODBC
 class QuillConfiguration;
 class QDCConfiguration;
 class SODataSourceConfiguration;
+class SODataSourceSession;
 
 class ConfigSettingsSession
 {
@@ -49,10 +49,10 @@ public:
     /// The loaded configuration; only ListDataSources has none (logic_error).
     QuillConfiguration& GetConfiguration();
 
-    bool IsDataSource() const { return m_dataSourceMode.has_value(); }
+    bool IsDataSource() const { return m_dataSourceMode != nullptr; }
     /// A data source in the installer's system mode: its secrets are
     /// protected for every user of the machine unless a scope is given.
-    bool IsSystemDataSource() const { return IsDataSource() && m_dataSourceMode->IsSystemMode(); }
+    bool IsSystemDataSource() const;
 
     /// Sets or removes one setting, keeping the prefixed groups in step.
     void SetSetting(tarni_wstring_view in_key, tarni_wstring_view in_value);
@@ -75,7 +75,7 @@ private:
     DriverSupport::DSPrefixedPropertyGroup m_httpHeaders;
     std::unique_ptr<QDCConfiguration> m_driver;
     // A data source.
-    std::optional<SODataSourceSession> m_dataSourceMode;
+    std::unique_ptr<SODataSourceSession> m_dataSourceMode;
     std::unique_ptr<SODataSourceConfiguration> m_dataSource;
 };
 }  // namespace Tarni::SparkODBC
