@@ -3,6 +3,7 @@
 // registry through Wine's installer under Wine.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <nlohmann/json.hpp>
 #include <sstream>
@@ -59,14 +60,16 @@ protected:
         DriverSupport::DSUidPwdConfiguration::SetDropPlainPasswordOnSave(false);
         InstallerFixture::TearDown();
     }
-    int Run(std::vector<std::string> in_arguments, const std::string& in_input = "")
+    int Run(const std::vector<std::string>& in_arguments, const std::string& in_input = "")
     {
-        std::vector<tarni_wstring> arguments;
-        for (const auto& argument : in_arguments) arguments.push_back(StringConverter::FromUtf8(argument));
-        m_out.str("");
-        m_err.str("");
-        std::istringstream in(in_input);
+        // What the previous command read of the settings is not kept.
         Support::TarniSettingReader::Reset();
+        m_out.str(std::string());
+        m_err.str(std::string());
+        std::vector<tarni_wstring> arguments(in_arguments.size());
+        std::transform(in_arguments.begin(), in_arguments.end(), arguments.begin(),
+                       [](const std::string& in_argument) { return StringConverter::FromUtf8(in_argument); });
+        std::istringstream in(in_input);
         return ConfigCommandLine(in, m_out, m_err).Run(arguments);
     }
     /// Runs a command on the fixture's data source.
@@ -74,6 +77,19 @@ protected:
     {
         in_arguments.insert(in_arguments.begin(), {"--dsn", m_dsn});
         return Run(in_arguments, in_input);
+    }
+    /// What a command on the data source that must succeed prints.
+    std::string Out(const std::vector<std::string>& in_arguments, const std::string& in_input = "")
+    {
+        EXPECT_EQ(0, RunOn(in_arguments, in_input)) << in_arguments[0] << ": " << m_err.str();
+        return m_out.str();
+    }
+    /// A data source with these settings; the report of its creation.
+    nlohmann::json Add(std::vector<std::string> in_settings)
+    {
+        in_settings.insert(in_settings.begin(), {"--json", "dsn", "add", m_dsn});
+        EXPECT_EQ(0, Run(in_settings)) << m_err.str();
+        return Parse(m_out.str());
     }
     /// The data source's stored entries and when its store was last
     /// written: the user file's bytes and modification time, or the
@@ -125,9 +141,15 @@ protected:
 #endif
     }
 #ifdef _WIN32
-    static std::wstring Wide(const std::string& in_text) { return std::wstring(in_text.begin(), in_text.end()); }
+    static std::wstring Wide(const std::string& in_text)
+    {
+        return std::wstring(in_text.begin(), in_text.end());
+    }
 #endif
-    static nlohmann::json Parse(const std::string& in_text) { return nlohmann::json::parse(in_text); }
+    static nlohmann::json Parse(const std::string& in_text)
+    {
+        return nlohmann::json::parse(in_text);
+    }
 
     std::string m_dsn;
     std::string m_driver;
@@ -138,45 +160,37 @@ protected:
 
 TEST_F(DsnFleetCommands, SetOfTheStoredValueWritesNothingAndSaysUnchanged)
 {
-    ASSERT_EQ(0, Run({"dsn", "add", m_dsn, "Host=h", "--json"})) << m_err.str();
-    const auto added = Parse(m_out.str());
+    const auto added = Add({"Host=h"});
     EXPECT_EQ(true, added["changed"]);
     EXPECT_NE(added["keys"].end(), std::find(added["keys"].begin(), added["keys"].end(), "Host")) << added;
 
-    ASSERT_EQ(0, RunOn({"set", "HTTPPath=sales", "SocketTimeout=61"})) << m_err.str();
-    EXPECT_EQ("changed: HTTPPath, SocketTimeout\n", m_out.str());
+    EXPECT_EQ("changed: HTTPPath, SocketTimeout\n", Out({"set", "HTTPPath=sales", "SocketTimeout=61"}));
     Age();
-    const std::string before = Fingerprint();
-    for (int i = 0; i < 2; ++i)
-    {
-        ASSERT_EQ(0, RunOn({"set", "SocketTimeout=61", "HTTPPath=sales"})) << m_err.str();
-        EXPECT_EQ("unchanged\n", m_out.str());
-        EXPECT_EQ(before, Fingerprint());
-    }
-    ASSERT_EQ(0, RunOn({"set", "HTTPPath=sales", "Port=10001", "--json"}));
-    EXPECT_EQ(Parse(R"({"changed": true, "keys": ["Port"]})"), Parse(m_out.str()));
-    ASSERT_EQ(0, RunOn({"--json", "unset", "SSP_absent"}));
-    EXPECT_EQ(Parse(R"({"changed": false, "keys": []})"), Parse(m_out.str()));
-    ASSERT_EQ(0, RunOn({"unset", "HTTPPath"}));
-    EXPECT_EQ("changed: HTTPPath\n", m_out.str());
+    const std::string stored = Fingerprint();
+    EXPECT_EQ("unchanged\n", Out({"set", "SocketTimeout=61", "HTTPPath=sales"}));
+    EXPECT_EQ("unchanged\n", Out({"set", "HTTPPath=sales"}));
+    EXPECT_EQ(stored, Fingerprint());
+
+    EXPECT_EQ(Parse(R"({"changed": true, "keys": ["Port"]})"),
+              Parse(Out({"set", "HTTPPath=sales", "Port=10001", "--json"})));
+    EXPECT_EQ(Parse(R"({"changed": false, "keys": []})"), Parse(Out({"--json", "unset", "SSP_absent"})));
+    EXPECT_EQ("changed: HTTPPath\n", Out({"unset", "HTTPPath"}));
 }
 
 TEST_F(DsnFleetCommands, SetSecretComparesWithTheRecoveredSecret)
 {
-    ASSERT_EQ(0, Run({"dsn", "add", m_dsn, "Host=h"})) << m_err.str();
-    ASSERT_EQ(0, RunOn({"set-secret", "PWD"}, "first secret\n")) << m_err.str();
-    EXPECT_EQ("changed: PWD\n", m_out.str());
+    Add({"Host=h"});
+    EXPECT_EQ("changed: PWD\n", Out({"set-secret", "PWD"}, "first secret\n"));
     Age();
-    const std::string before = Fingerprint();
-    ASSERT_EQ(0, RunOn({"set-secret", "PWD"}, "first secret\n")) << m_err.str();
-    EXPECT_EQ("unchanged\n", m_out.str());
-    EXPECT_EQ(before, Fingerprint());
+    const std::string stored = Fingerprint();
+    EXPECT_EQ("unchanged\n", Out({"set-secret", "PWD"}, "first secret\n"));
+    EXPECT_EQ(stored, Fingerprint());
 
-    ASSERT_EQ(0, RunOn({"set-secret", "PWD", "--json"}, "second secret\n")) << m_err.str();
-    EXPECT_EQ(Parse(R"({"changed": true, "keys": ["PWD"]})"), Parse(m_out.str()));
+    EXPECT_EQ(Parse(R"({"changed": true, "keys": ["PWD"]})"),
+              Parse(Out({"set-secret", "PWD", "--json"}, "second secret\n")));
     // The same secret for every user of the machine is stored differently.
-    ASSERT_EQ(0, RunOn({"set-secret", "PWD", "--scope", "machine"}, "second secret\n"));
-    EXPECT_EQ("changed: PWD\n", m_out.str());
+    EXPECT_EQ("changed: PWD\n", Out({"set-secret", "PWD", "--scope", "machine"}, "second secret\n"));
+    EXPECT_EQ("unchanged\n", Out({"set-secret", "PWD", "--scope", "machine"}, "second secret\n"));
     EXPECT_EQ(std::string::npos, Fingerprint().find("secret"));
 }
 
@@ -236,59 +250,51 @@ TEST_F(DsnFleetCommands, CheckWritesNothingAndReportsWhatTheRealRunThenChanges)
 
 TEST_F(DsnFleetCommands, ShowGetAndListAsJsonCarryNoSecret)
 {
-    ASSERT_EQ(0, Run({"dsn", "add", m_dsn, "Host=h", "HDFSUser=Juergen \"J\"",
-                      "http.header.X-Q=\"quoted\" \\ back"}))
-        << m_err.str();
-    ASSERT_EQ(0, RunOn({"set-secret", "PWD"}, "hunter2-secret\n"));
-    ASSERT_EQ(0, RunOn({"set-secret", "ProxyPWD", "--scope", "machine"}, "proxy-secret\n"));
-    ASSERT_EQ(0, RunOn({"show", "--json"})) << m_err.str();
-    const std::string text = m_out.str();
+    Add({"Host=h", "HDFSUser=Juergen \"J\"", "http.header.X-Q=\"quoted\" \\ back"});
+    Out({"set-secret", "PWD"}, "hunter2-secret\n");
+    Out({"set-secret", "ProxyPWD", "--scope", "machine"}, "proxy-secret\n");
+    const std::string text = Out({"show", "--json"});
     EXPECT_EQ(std::string::npos, text.find("secret"));
     EXPECT_EQ(std::string::npos, text.find("AES256"));
-    const auto shown = nlohmann::ordered_json::parse(text);
-    EXPECT_EQ(nlohmann::ordered_json::parse(R"({"protected": true})"), shown["PWD"]);
-    EXPECT_EQ(nlohmann::ordered_json::parse(R"({"protected": true})"), shown["ProxyPWD"]);
+    const auto shown = Parse(text);
+    EXPECT_EQ(Parse(R"({"protected": true})"), shown["PWD"]);
+    EXPECT_EQ(Parse(R"({"protected": true})"), shown["ProxyPWD"]);
     EXPECT_EQ("Juergen \"J\"", shown["HDFSUser"]);
     EXPECT_EQ("\"quoted\" \\ back", shown["http.header.X-Q"]);
     EXPECT_EQ("h", shown["Host"]);
+    EXPECT_EQ(Parse(R"({"PWD": {"protected": true}})"), Parse(Out({"get", "pwd", "--json"})));
 
-    ASSERT_EQ(0, RunOn({"get", "pwd", "--json"}));
-    EXPECT_EQ(Parse(R"({"PWD": {"protected": true}})"), Parse(m_out.str()));
     EXPECT_EQ(1, RunOn({"get", "NoSuchKey", "--json"}));
     EXPECT_EQ("", m_out.str());
     EXPECT_NE(std::string::npos, Parse(m_err.str())["error"].get<std::string>().find("NoSuchKey"));
-
 #ifndef _WIN32
     // (Wine's installer cannot list data sources.)
     ASSERT_EQ(0, Run({"dsn", "list", "--json"})) << m_err.str();
-    EXPECT_EQ(Parse(R"({"dataSources": [{"name": ")" + m_dsn + R"(", "driver": ")" + m_driver +
-                    R"(", "system": false}]})"),
-              Parse(m_out.str()));
+    EXPECT_EQ(
+        Parse(R"({"dataSources": [{"name": ")" + m_dsn + R"(", "driver": ")" + m_driver + R"(", "system": false}]})"),
+        Parse(m_out.str()));
 #endif
 }
 
 TEST_F(DsnFleetCommands, DiffOfAFreshExportIsEmptyAndOtherwiseKeyByKey)
 {
-    ASSERT_EQ(0, Run({"dsn", "add", m_dsn, "Host=h", "HTTPPath=p", "SSP_a=1"})) << m_err.str();
+    Add({"Host=h", "HTTPPath=p", "SSP_a=1"});
     const std::string file = (m_dir / "export.sdc").string();
-    ASSERT_EQ(0, RunOn({"export", file}));
-    const std::string before = Fingerprint();
-    ASSERT_EQ(0, RunOn({"diff", file})) << m_err.str();
-    EXPECT_EQ("", m_out.str());
-    ASSERT_EQ(0, RunOn({"diff", file, "--json"}));
-    EXPECT_EQ(Parse(R"({"changed": false, "keys": [], "changes": []})"), Parse(m_out.str()));
-    EXPECT_EQ(before, Fingerprint());
+    Out({"export", file});
+    const std::string stored = Fingerprint();
+    EXPECT_EQ("", Out({"diff", file}));
+    EXPECT_EQ(Parse(R"({"changed": false, "keys": [], "changes": []})"), Parse(Out({"diff", file, "--json"})));
+    EXPECT_EQ(stored, Fingerprint());
 
-    ASSERT_EQ(0, RunOn({"set", "HTTPPath=q", "SSP_b=2"}));
-    ASSERT_EQ(0, RunOn({"set-secret", "PWD"}, "pw-secret\n"));
-    ASSERT_EQ(0, RunOn({"diff", file, "--json"}));
-    const auto diff = Parse(m_out.str());
+    Out({"set", "HTTPPath=q", "SSP_b=2"});
+    Out({"set-secret", "PWD"}, "pw-secret\n");
+    const auto diff = Parse(Out({"diff", file, "--json"}));
     // In the order the save touches them, which for removals is the store's.
     EXPECT_EQ(Parse(R"({"key": "HTTPPath", "change": "~", "before": "q", "after": "p"})"), diff["changes"][0]);
     EXPECT_EQ(3u, diff["changes"].size()) << diff;
-    ASSERT_EQ(0, RunOn({"diff", file}));
-    EXPECT_EQ(0u, m_out.str().find("~ HTTPPath=p (was q)\n")) << m_out.str();
-    EXPECT_NE(std::string::npos, m_out.str().find("\n- SSP_b=2\n")) << m_out.str();
-    EXPECT_NE(std::string::npos, m_out.str().find("\n- PWD\n")) << m_out.str();
-    EXPECT_EQ(std::string::npos, m_out.str().find("pw-secret"));
+    const std::string text = Out({"diff", file});
+    EXPECT_EQ(0u, text.find("~ HTTPPath=p (was q)\n")) << text;
+    EXPECT_NE(std::string::npos, text.find("\n- SSP_b=2\n")) << text;
+    EXPECT_NE(std::string::npos, text.find("\n- PWD\n")) << text;
+    EXPECT_EQ(std::string::npos, text.find("pw-secret"));
 }

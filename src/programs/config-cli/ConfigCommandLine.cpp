@@ -147,14 +147,11 @@ const ConfigCommandLine::Command* ConfigCommandLine::FindCommand(tarni_wstring_v
     using Purpose = ConfigSettingsSession::Purpose;
     static const Command COMMANDS[] = {
         // Reading the driver-wide settings or a data source's.
-        {u"show", Purpose::Read, &ConfigCommandLine::Show},
-        {u"get", Purpose::Read, &ConfigCommandLine::Get},
-        {u"export", Purpose::Read, &ConfigCommandLine::Export},
-        {u"diff", Purpose::Read, &ConfigCommandLine::Diff},
+        {u"show", Purpose::Read, &ConfigCommandLine::Show}, {u"get", Purpose::Read, &ConfigCommandLine::Get},
+        {u"export", Purpose::Read, &ConfigCommandLine::Export}, {u"diff", Purpose::Read, &ConfigCommandLine::Diff},
         {u"test", Purpose::Read, &ConfigCommandLine::Test},
         // Writing them: each reports what changed, and --check only compares.
-        {u"set", Purpose::Update, &ConfigCommandLine::Set},
-        {u"unset", Purpose::Update, &ConfigCommandLine::Unset},
+        {u"set", Purpose::Update, &ConfigCommandLine::Set}, {u"unset", Purpose::Update, &ConfigCommandLine::Unset},
         {u"set-secret", Purpose::Update, &ConfigCommandLine::SetSecret},
         {u"import", Purpose::Update, &ConfigCommandLine::Import},
         // The data sources themselves, as `dsn ACTION`.

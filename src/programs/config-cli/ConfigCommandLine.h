@@ -58,11 +58,12 @@ private:
     /// One command: its name ("dsn add" for the data-source actions), what
     /// it opens (a command that saves: Update or Create), and what runs it
     /// over the opened settings.
+    using CommandFunction = int(ConfigSettingsSession& io_session, const Operands& in_operands);
     struct Command
     {
         const char16_t* name;
         ConfigSettingsSession::Purpose purpose;
-        int (ConfigCommandLine::*run)(ConfigSettingsSession& io_session, const Operands& in_operands);
+        CommandFunction ConfigCommandLine::*run;
         bool Writes() const;
     };
     static const Command* FindCommand(tarni_wstring_view in_name);
@@ -74,25 +75,15 @@ private:
     /// Opens the settings the options name, loads them and runs the command on them.
     int RunCommand(const Command& in_command, const Operands& in_operands);
 
-    // The commands, each over the opened settings (see FindCommand).
-    int Show(ConfigSettingsSession& io_session, const Operands& in_operands);
-    int Get(ConfigSettingsSession& io_session, const Operands& in_operands);
-    int Export(ConfigSettingsSession& io_session, const Operands& in_operands);
-    int Diff(ConfigSettingsSession& io_session, const Operands& in_operands);
-    /// Opens a session with the settings (and KEY=VALUE changes for this attempt only).
-    int Test(ConfigSettingsSession& io_session, const Operands& in_operands);
-
-    int Set(ConfigSettingsSession& io_session, const Operands& in_operands);
-    int Unset(ConfigSettingsSession& io_session, const Operands& in_operands);
-    int SetSecret(ConfigSettingsSession& io_session, const Operands& in_operands);
-    int Import(ConfigSettingsSession& io_session, const Operands& in_operands);
-
-    /// NAME<TAB>DRIVER lines, or {"dataSources": [{"name", "driver", "system"}]}.
-    int ListDataSources(ConfigSettingsSession& io_session, const Operands& in_operands);
-    /// Creates the data source: its description, host and port and the given settings.
-    int AddDataSource(ConfigSettingsSession& io_session, const Operands& in_operands);
-    /// Removes it; the report names the entries that go.
-    int RemoveDataSource(ConfigSettingsSession& io_session, const Operands& in_operands);
+    // The commands (see FindCommand). Test opens a session with the
+    // settings (and KEY=VALUE changes for this attempt only); dsn list
+    // prints NAME<TAB>DRIVER lines or {"dataSources": [{"name", "driver",
+    // "system"}]}; dsn add creates the data source with its description,
+    // host and port and the given settings; dsn remove reports the entries
+    // that go with it.
+    CommandFunction Show, Get, Export, Diff, Test;
+    CommandFunction Set, Unset, SetSecret, Import;
+    CommandFunction ListDataSources, AddDataSource, RemoveDataSource;
 
     /// Saves (or with --check only compares) and reports what changed.
     int SaveAndReport(ConfigSettingsSession& io_session);
