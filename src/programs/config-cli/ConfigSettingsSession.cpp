@@ -29,7 +29,8 @@ ConfigSettingsSession::ConfigSettingsSession(const tarni_wstring& in_iniPath,
         const tarni_wstring& name = *in_dsnName;
         DriverSupport::DSDSNConfiguration::CheckDsnName(name);
         const bool exists = Platform::DataSourceStore::Exists(name);
-        if (exists != (in_purpose != Purpose::Create))
+        const bool mustExist = in_purpose != Purpose::Create;
+        if (exists != mustExist)
         {
             throw Support::ErrorException(Support::DiagState::GeneralError, Support::DS_ERROR,
                                           exists ? u"DSDsnExistsErr" : u"DSDsnNotFoundErr",
