@@ -2,11 +2,12 @@
 
 #include <cstdint>
 
-#include "driversupport/ConfigurationKeys.h"
-#include "driversupport/DSProductHelper.h"
-#include "driversupport/DSSetupException.h"
 #include "core/ErrorException.h"
 #include "core/NumberConverter.h"
+#include "driversupport/ConfigurationKeys.h"
+#include "driversupport/DSEncryptionUtils.h"
+#include "driversupport/DSProductHelper.h"
+#include "driversupport/DSSetupException.h"
 #include "platform/DataSourceStore.h"
 #include "support/TarniSettingReader.h"
 #include "support/log/LogUtils.h"
@@ -27,6 +28,12 @@ constexpr unsigned long long MAX_LOG_FILE_SIZE_MB = 4096;
 const tarni_wstring_view NOT_DRIVER_WIDE[] = {Keys::LogLevel, Keys::LogPath, Keys::LogFileCount, Keys::LogFileSize,
                                               Keys::Driver,   Keys::DSN,     Keys::DESCRIPTION,  Keys::Host,
                                               Keys::Port,     Keys::Schema};
+
+/// Whether the installer has the data source under this driver's name.
+bool IsRegisteredWithDriver(tarni_wstring_view in_dsnName)
+{
+    return Platform::DataSourceStore::DriverOf(in_dsnName) == DSProductHelper::GetDriverName();
+}
 
 /// What a data source always stores, whatever it inherits.
 const tarni_wstring_view ALWAYS_STORED[] = {Keys::DESCRIPTION, Keys::Host, Keys::Port};
@@ -90,6 +97,43 @@ DSUidPwdConfiguration* DSDSNConfiguration::FindCredentialBySecretKey(tarni_wstri
         }
     }
     return nullptr;
+}
+
+const DSUidPwdConfiguration* DSDSNConfiguration::FindCredentialByProtectedKey(tarni_wstring_view in_key) const
+{
+    for (const DSUidPwdConfiguration* credential : GetCredentialComponents())
+    {
+        if (StringConverter::EqualsIgnoreCase(credential->GetKeySet().EncryptedPwd(), in_key))
+        {
+            return credential;
+        }
+    }
+    return nullptr;
+}
+
+DSStoreChangeRecorder::EquivalentValues DSDSNConfiguration::SameSecret() const
+{
+    // Each protection of a secret gives another text: two protected texts
+    // of a credential are the same value when both recover to the same
+    // secret in the same scope. One that cannot be recovered is a change.
+    return [this](tarni_wstring_view in_name, tarni_wstring_view in_before, tarni_wstring_view in_after)
+    {
+        if (FindCredentialByProtectedKey(in_name) == nullptr || !DSEncryptionUtils::HasProtectedForm(in_before) ||
+            !DSEncryptionUtils::HasProtectedForm(in_after))
+        {
+            return false;
+        }
+        try
+        {
+            const auto was = DSEncryptionUtils::Decrypt(in_before, in_name);
+            const auto now = DSEncryptionUtils::Decrypt(in_after, in_name);
+            return was.value == now.value && was.scope == now.scope;
+        }
+        catch (const Support::ErrorException&)
+        {
+            return false;
+        }
+    };
 }
 
 ConfigurationMap DSDSNConfiguration::GetDefaultDriverProperties() const
@@ -205,9 +249,20 @@ void DSDSNConfiguration::Load(tarni_wstring_view in_dsnName)
     InitializeComponentsAfterLoad();
 }
 
-void DSDSNConfiguration::SaveDataSource()
+std::vector<DSStoreChange> DSDSNConfiguration::SaveDataSource()
 {
     TARNI_LOG_ENTRY(m_logger, NS, CLS, "SaveDataSource");
+    return WriteDataSource(true);
+}
+
+std::vector<DSStoreChange> DSDSNConfiguration::PlanDataSourceSave()
+{
+    TARNI_LOG_ENTRY(m_logger, NS, CLS, "PlanDataSourceSave");
+    return WriteDataSource(false);
+}
+
+std::vector<DSStoreChange> DSDSNConfiguration::WriteDataSource(bool in_apply)
+{
     CheckDsnName(m_dsnName);
     const ConfigurationMap before = m_map;
     try
@@ -242,27 +297,48 @@ void DSDSNConfiguration::SaveDataSource()
             toWrite.SetValue(key, value);
         }
 
-        Platform::DataSourceStore store(m_dsnName, GetKnownDataSourceKeys());
-        store.Register(DSProductHelper::GetDriverName());
-        const std::vector<Platform::StoredValue> present = store.ReadAll();
+        // Where the installer cannot list a section, the entries about to be
+        // written are looked for too, so that an unchanged one is found.
+        std::vector<tarni_wstring> knownKeys = GetKnownDataSourceKeys();
         for (const auto& [key, value] : toWrite)
         {
-            store.WriteValue(key, value);
+            knownKeys.push_back(key);
+        }
+        Platform::DataSourceStore store(m_dsnName, std::move(knownKeys));
+        const std::vector<Platform::StoredValue> present = store.ReadAll();
+        DSStoreChangeRecorder recorder(present, store.GetLocation());
+        for (const auto& [key, value] : toWrite)
+        {
+            recorder.WriteValue(key, value);
         }
         for (const Platform::StoredValue& stored : present)
         {
             if (!toWrite.Contains(stored.name) && !StringConverter::EqualsIgnoreCase(stored.name, Keys::Driver))
             {
-                store.DeleteValue(stored.name);
+                recorder.DeleteValue(stored.name);
             }
         }
+        const std::vector<DSStoreChange> changes = recorder.GetChanges(SameSecret());
+        const bool renamed = !m_loadedDsnName.empty() &&
+                             !StringConverter::EqualsIgnoreCase(m_loadedDsnName, m_dsnName) &&
+                             Platform::DataSourceStore::Exists(m_loadedDsnName);
+        if (!in_apply)
+        {
+            m_map = before;
+            return changes;
+        }
+        if (!IsRegisteredWithDriver(m_dsnName))
+        {
+            store.Register(DSProductHelper::GetDriverName());
+        }
+        recorder.Replay(store, changes);
         // A rename: the new data source is complete, now the old one goes.
-        if (!m_loadedDsnName.empty() && !StringConverter::EqualsIgnoreCase(m_loadedDsnName, m_dsnName) &&
-            Platform::DataSourceStore::Exists(m_loadedDsnName))
+        if (renamed)
         {
             Platform::DataSourceStore::Remove(m_loadedDsnName);
         }
         m_loadedDsnName = m_dsnName;
+        return changes;
     }
     catch (const Support::ErrorException& e)
     {
@@ -300,6 +376,20 @@ std::vector<tarni_wstring> DSDSNConfiguration::GetKnownDataSourceKeys() const
 void DSDSNConfiguration::RemoveDataSource(tarni_wstring_view in_dsnName)
 {
     Platform::DataSourceStore::Remove(in_dsnName);
+}
+
+std::vector<DSStoreChange> DSDSNConfiguration::PlanDataSourceRemoval() const
+{
+    std::vector<DSStoreChange> changes;
+    for (Platform::StoredValue& stored : Platform::DataSourceStore(m_dsnName, GetKnownDataSourceKeys()).ReadAll())
+    {
+        if (!StringConverter::EqualsIgnoreCase(stored.name, Keys::Driver))
+        {
+            changes.push_back(DSStoreChange{std::move(stored.name), DSStoreChange::Kind::Removed,
+                                            std::move(stored.value), std::nullopt});
+        }
+    }
+    return changes;
 }
 
 void DSDSNConfiguration::SetLogLevel(unsigned in_level)

@@ -8,6 +8,8 @@
 
 #include "driversupport/DSProxyConfiguration.h"
 #include "driversupport/DSSSLConfiguration.h"
+#include "driversupport/DSStoreChange.h"
+#include "driversupport/DSStoreChangeRecorder.h"
 #include "driversupport/DSUidPwdConfiguration.h"
 #include "platform/ISettingsStore.h"
 
@@ -60,12 +62,24 @@ public:
     /// the empty value), removes the entries it no longer
     /// holds, protects its secrets (a plain secret is never written). When
     /// the name differs from the loaded one, the new data source is written
-    /// completely before the old one is removed. Throws ErrorException; the
-    /// map is then as before the call.
-    void SaveDataSource();
+    /// completely before the old one is removed. Only entries whose stored
+    /// text changes are written (a secret that recovers to the same secret
+    /// in the same scope keeps its stored form), and a data source already
+    /// registered with the driver is not registered again: a save that
+    /// changes nothing writes nothing. Returns the entries it changed.
+    /// Throws ErrorException; the map is then as before the call.
+    std::vector<DSStoreChange> SaveDataSource();
+
+    /// What SaveDataSource would change now, without writing anything; the
+    /// configuration stays as it is.
+    std::vector<DSStoreChange> PlanDataSourceSave();
 
     /// Removes the data source from the installer's store, its section included.
     static void RemoveDataSource(tarni_wstring_view in_dsnName);
+
+    /// The entries that removing the data source under GetDsnName() takes
+    /// away (all but "Driver"), each as removed; nothing is written.
+    std::vector<DSStoreChange> PlanDataSourceRemoval() const;
 
     /// Refuses a data source name that is empty, longer than
     /// MAX_DSN_NAME_CHARS or holds one of DSN_NAME_REFUSED_CHARACTERS
@@ -96,6 +110,9 @@ public:
 
     /// The credential whose plain or protected password key this is, or null.
     DSUidPwdConfiguration* FindCredentialBySecretKey(tarni_wstring_view in_key) const;
+
+    /// The credential whose protected form is stored under in_key, or null.
+    const DSUidPwdConfiguration* FindCredentialByProtectedKey(tarni_wstring_view in_key) const;
 
     /// Errors of secrets that the last load could not recover (each kept as
     /// stored); the programs report them as warnings.
@@ -150,6 +167,9 @@ protected:
 
     void InitializeComponentsAfterLoad();
     void FinalizeComponentsBeforeSave();
+    /// Tells a save's recorder that two protected texts of a credential are
+    /// the same value when both recover to the same secret in the same scope.
+    DSStoreChangeRecorder::EquivalentValues SameSecret() const;
     std::vector<DSConfigurationComponent*> Components() const;
 
     ConfigurationMap m_map;
@@ -164,6 +184,8 @@ protected:
     tarni_wstring m_loadedDsnName;
 
 private:
+    /// The data source's save, applied (in_apply) or only compared.
+    std::vector<DSStoreChange> WriteDataSource(bool in_apply);
     /// The plain or protected key of any credential.
     bool IsSecretKey(tarni_wstring_view in_key) const;
 };

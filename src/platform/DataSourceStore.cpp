@@ -125,13 +125,18 @@ std::vector<StoredValue> DataSourceStore::List()
     std::vector<StoredValue> sources;
     for (const tarni_wstring& name : names)
     {
-        auto driver = OdbcInstaller::GetProfileString(u"ODBC Data Sources", name);
-        if (!driver || driver->empty())
-        {
-            driver = OdbcInstaller::GetProfileString(name, u"Driver");
-        }
-        sources.push_back(StoredValue{name, driver.value_or(tarni_wstring())});
+        sources.push_back(StoredValue{name, DriverOf(name)});
     }
     return sources;
+}
+
+tarni_wstring DataSourceStore::DriverOf(tarni_wstring_view in_dsnName)
+{
+    auto driver = OdbcInstaller::GetProfileString(u"ODBC Data Sources", in_dsnName);
+    if (!driver || driver->empty())
+    {
+        driver = OdbcInstaller::GetProfileString(in_dsnName, u"Driver");
+    }
+    return driver.value_or(tarni_wstring());
 }
 }  // namespace Tarni::Platform

@@ -40,6 +40,11 @@ public:
     /// The data sources of the current mode, each with its driver.
     static std::vector<StoredValue> List();
 
+    /// The driver of one data source: from the installer's list, else its
+    /// section's "Driver" entry (empty when neither names one). Works where
+    /// the installer cannot list the data sources.
+    static tarni_wstring DriverOf(tarni_wstring_view in_dsnName);
+
     /// Entries every data source of the driver holds: found one by one when
     /// the installer cannot list a section.
     static constexpr const char16_t* ALWAYS_STORED[] = {u"Host", u"Port", u"DESCRIPTION"};

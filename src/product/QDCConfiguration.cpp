@@ -1,7 +1,6 @@
 #include "product/QDCConfiguration.h"
 
 #include "driversupport/ConfigurationKeys.h"
-#include "driversupport/DSEncryptionUtils.h"
 #include "driversupport/DSProductHelper.h"
 #include "driversupport/ProductSettingKeys.h"
 #include "core/ErrorException.h"
@@ -192,44 +191,6 @@ DriverSupport::DSStoreChangeRecorder QDCConfiguration::RecordSave()
     m_serverSideProperties.Save(recorder);
     m_httpHeaders.Save(recorder);
     return recorder;
-}
-
-DriverSupport::DSStoreChangeRecorder::EquivalentValues QDCConfiguration::SameSecret() const
-{
-    // Each protection of a secret gives another text: two protected texts
-    // of a credential are the same value when both recover to the same
-    // secret in the same scope. One that cannot be recovered is a change.
-    return [this](tarni_wstring_view in_name, tarni_wstring_view in_before, tarni_wstring_view in_after) {
-        if (FindCredentialByProtectedKey(in_name) == nullptr ||
-            !DriverSupport::DSEncryptionUtils::HasProtectedForm(in_before) ||
-            !DriverSupport::DSEncryptionUtils::HasProtectedForm(in_after))
-        {
-            return false;
-        }
-        try
-        {
-            const auto was = DriverSupport::DSEncryptionUtils::Decrypt(in_before, in_name);
-            const auto now = DriverSupport::DSEncryptionUtils::Decrypt(in_after, in_name);
-            return was.value == now.value && was.scope == now.scope;
-        }
-        catch (const Support::ErrorException&)
-        {
-            return false;
-        }
-    };
-}
-
-const DriverSupport::DSUidPwdConfiguration* QDCConfiguration::FindCredentialByProtectedKey(
-    tarni_wstring_view in_key) const
-{
-    for (const DriverSupport::DSUidPwdConfiguration* credential : GetCredentialComponents())
-    {
-        if (StringConverter::EqualsIgnoreCase(credential->GetKeySet().EncryptedPwd(), in_key))
-        {
-            return credential;
-        }
-    }
-    return nullptr;
 }
 
 void QDCConfiguration::RefuseEmptyPropertyNames(const std::vector<Platform::StoredValue>& in_stored) const

@@ -43,9 +43,6 @@ public:
     /// the configuration stays as it is.
     std::vector<DriverSupport::DSStoreChange> PlanSave();
 
-    /// The credential whose protected form is stored under in_key, or null.
-    const DriverSupport::DSUidPwdConfiguration* FindCredentialByProtectedKey(tarni_wstring_view in_key) const;
-
     DriverSupport::DSServerSidePropertyGroup& GetServerSideProperties() { return m_serverSideProperties; }
     DriverSupport::DSPrefixedPropertyGroup& GetHttpHeaders() { return m_httpHeaders; }
     Platform::ISettingsStore& GetStore() { return m_store; }
@@ -68,7 +65,6 @@ private:
                                    const std::vector<Platform::StoredValue>& in_present);
     /// Runs the save against a recorder over the store's present values.
     DriverSupport::DSStoreChangeRecorder RecordSave();
-    DriverSupport::DSStoreChangeRecorder::EquivalentValues SameSecret() const;
 
     DriverSupport::DSServerSidePropertyGroup& m_serverSideProperties;
     DriverSupport::DSPrefixedPropertyGroup& m_httpHeaders;

@@ -2,8 +2,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "driversupport/DSDSNConfiguration.h"
 #include "driversupport/DSEncryptionUtils.h"
-#include "product/QDCConfiguration.h"
 #include "support/StringConverter.h"
 
 namespace Tarni::SparkODBC
@@ -29,7 +29,8 @@ bool Protected(const std::optional<tarni_wstring>& in_value)
 }
 }  // namespace
 
-ConfigChangeReport::ConfigChangeReport(const QDCConfiguration& in_config, std::vector<DSStoreChange> in_changes)
+ConfigChangeReport::ConfigChangeReport(const DriverSupport::DSDSNConfiguration& in_config,
+                                       std::vector<DSStoreChange> in_changes)
     : m_config(in_config), m_changes(std::move(in_changes))
 {
 }

@@ -9,14 +9,18 @@
 #include "core/TarniString.h"
 #include "driversupport/DSStoreChange.h"
 
+namespace Tarni::DriverSupport
+{
+class DSDSNConfiguration;
+}
+
 namespace Tarni::SparkODBC
 {
-class QDCConfiguration;
-
 class ConfigChangeReport
 {
 public:
-    ConfigChangeReport(const QDCConfiguration& in_config, std::vector<DriverSupport::DSStoreChange> in_changes);
+    ConfigChangeReport(const DriverSupport::DSDSNConfiguration& in_config,
+                       std::vector<DriverSupport::DSStoreChange> in_changes);
 
     /// The changed keys, each once, in the order the save touched them.
     std::vector<tarni_wstring> GetKeys() const;
@@ -45,7 +49,7 @@ private:
     };
     std::vector<Entry> GetEntries() const;
 
-    const QDCConfiguration& m_config;
+    const DriverSupport::DSDSNConfiguration& m_config;
     std::vector<DriverSupport::DSStoreChange> m_changes;
 };
 }  // namespace Tarni::SparkODBC

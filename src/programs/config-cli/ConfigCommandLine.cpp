@@ -1,6 +1,5 @@
 #include "programs/config-cli/ConfigCommandLine.h"
 #include "programs/config-cli/ConfigChangeReport.h"
-#include "programs/config-cli/ConfigDsnCommands.h"
 #include "programs/config-cli/ConfigTransferCommands.h"
 
 #include <algorithm>
@@ -16,17 +15,14 @@
 #include "driversupport/DSProductHelper.h"
 #include "driversupport/DSServerSidePropertyGroup.h"
 #include "platform/ConsoleEcho.h"
+#include "platform/DataSourceStore.h"
 #include "platform/ProcessEnvironment.h"
-#include "platform/SettingsStoreFactory.h"
 #include "programs/config-cli/ConfigTestCommand.h"
 #include "programs/config-cli/ConfigSettingChecks.h"
-#include "product/QDCConfiguration.h"
-#include "product/SOProductIdentity.h"
+#include "product/QuillConfiguration.h"
 #include "core/ErrorException.h"
-#include "core/NullLogger.h"
 #include "thrift/connectiontest/TEConnectionTesterFactory.h"
 #include "support/StringConverter.h"
-#include "support/TarniSettingStoreScope.h"
 #include "support/messages/DSIMessageManager.h"
 
 namespace Tarni::SparkODBC
@@ -62,7 +58,8 @@ const char* ConfigCommandLine::UsageText()
 {
     return "Usage: tarni-spark-config [--ini PATH] [--dsn NAME [--system]] [--json] [--check] COMMAND [ARGUMENTS]\n"
            "\n"
-           "Shows and edits the driver-wide settings of the Tarni Spark ODBC Driver.\n"
+           "Shows and edits the driver-wide settings of the Tarni Spark ODBC Driver, or\n"
+           "with --dsn NAME those of one of its data sources.\n"
            "\n"
            "Commands:\n"
            "  show                  print every setting as key=value, in key order\n"
@@ -87,9 +84,21 @@ const char* ConfigCommandLine::UsageText()
            "  diff FILE             print what import FILE would change, key by key:\n"
            "                        + added, - removed, ~ changed (secrets by name only)\n"
            "\n"
-           "set, unset, set-secret and import compare before they write: when nothing\n"
-           "would change they write nothing and print 'unchanged', otherwise they save\n"
-           "and print 'changed: KEY, KEY, ...'. Both exit 0.\n"
+           "Data sources (through the ODBC installer; user data sources unless --system):\n"
+           "  --dsn NAME [--system] COMMAND [ARGUMENTS]\n"
+           "                        run any of the commands above on the data source NAME\n"
+           "                        instead of the driver-wide settings; it stores its\n"
+           "                        description, host and port and what differs from the\n"
+           "                        driver-wide settings; unset returns a setting to those\n"
+           "  dsn list [--system]   print each data source as NAME<TAB>DRIVER\n"
+           "  dsn add [--system] NAME [KEY=VALUE...]\n"
+           "                        create the data source NAME with the given settings\n"
+           "  dsn remove [--system] NAME\n"
+           "                        remove the data source NAME\n"
+           "\n"
+           "set, unset, set-secret, import and dsn add|remove compare before they write:\n"
+           "when nothing would change they write nothing and print 'unchanged',\n"
+           "otherwise they save and print 'changed: KEY, KEY, ...'. Both exit 0.\n"
            "\n"
            "Secrets are never taken from the command line, and show and get print them\n"
            "as ****.\n"
@@ -98,11 +107,12 @@ const char* ConfigCommandLine::UsageText()
            "  --ini PATH            the INI file to use (Linux; default $SPARKINI, else\n"
            "                        ~/.sparkodbc.ini). On Windows the settings live in the\n"
            "                        registry under HKEY_LOCAL_MACHINE.\n"
-           "  --json                print show, get, diff and the change reports as one\n"
-           "                        JSON object (a secret as {\"protected\": true}); errors\n"
-           "                        become a JSON object on standard error\n"
-           "  --check               with set, unset, set-secret and import: check the\n"
-           "                        values and report what would change, write nothing\n"
+           "  --json                print show, get, diff, dsn list and the change reports\n"
+           "                        as one JSON object (a secret as {\"protected\": true});\n"
+           "                        errors become a JSON object on standard error\n"
+           "  --check               with set, unset, set-secret, import and dsn add|remove:\n"
+           "                        check the values and report what would change, write\n"
+           "                        nothing\n"
            "  --help                print this text\n"
            "\n"
            "Exit status: 0 success (changed or not), 1 error, absent key or refused\n"
@@ -127,18 +137,27 @@ std::ostream& ConfigCommandLine::Err()
     return m_options.json ? static_cast<std::ostream&>(m_diagnostics) : m_err;
 }
 
+bool ConfigCommandLine::Command::Writes() const
+{
+    return purpose == ConfigSettingsSession::Purpose::Update || purpose == ConfigSettingsSession::Purpose::Create;
+}
+
 const ConfigCommandLine::Command* ConfigCommandLine::FindCommand(tarni_wstring_view in_name)
 {
+    using Purpose = ConfigSettingsSession::Purpose;
     static const Command COMMANDS[] = {
-        {u"show", false, &ConfigCommandLine::Show},
-        {u"get", false, &ConfigCommandLine::Get},
-        {u"set", true, &ConfigCommandLine::Set},
-        {u"unset", true, &ConfigCommandLine::Unset},
-        {u"set-secret", true, &ConfigCommandLine::SetSecret},
-        {u"export", false, &ConfigCommandLine::Export},
-        {u"import", true, &ConfigCommandLine::Import},
-        {u"diff", false, &ConfigCommandLine::Diff},
-        {u"test", false, &ConfigCommandLine::Test},
+        // Reading the driver-wide settings or a data source's.
+        {u"show", Purpose::Read, &ConfigCommandLine::Show}, {u"get", Purpose::Read, &ConfigCommandLine::Get},
+        {u"export", Purpose::Read, &ConfigCommandLine::Export}, {u"diff", Purpose::Read, &ConfigCommandLine::Diff},
+        {u"test", Purpose::Read, &ConfigCommandLine::Test},
+        // Writing them: each reports what changed, and --check only compares.
+        {u"set", Purpose::Update, &ConfigCommandLine::Set}, {u"unset", Purpose::Update, &ConfigCommandLine::Unset},
+        {u"set-secret", Purpose::Update, &ConfigCommandLine::SetSecret},
+        {u"import", Purpose::Update, &ConfigCommandLine::Import},
+        // The data sources themselves, as `dsn ACTION`.
+        {u"dsn list", Purpose::ListDataSources, &ConfigCommandLine::ListDataSources},
+        {u"dsn add", Purpose::Create, &ConfigCommandLine::AddDataSource},
+        {u"dsn remove", Purpose::Update, &ConfigCommandLine::RemoveDataSource},
     };
     for (const Command& command : COMMANDS)
     {
@@ -208,8 +227,7 @@ int ConfigCommandLine::ParseAndRun(const std::vector<tarni_wstring>& in_argument
         const tarni_wstring& argument = in_arguments[index];
         if (argument == u"--help" || argument == u"-h")
         {
-            return Emit(std::string(UsageText()) + "\n" + ConfigDsnCommands::UsageText()) ? RESULT_OK
-                                                                                              : RESULT_FAILURE;
+            return Emit(UsageText()) ? RESULT_OK : RESULT_FAILURE;
         }
         if (argument == u"--system")
         {
@@ -253,7 +271,7 @@ int ConfigCommandLine::ParseAndRun(const std::vector<tarni_wstring>& in_argument
     {
         return Usage("no command given");
     }
-    const tarni_wstring name = in_arguments[index];
+    tarni_wstring name = in_arguments[index];
     // Configuration management appends its options to the command: take
     // --json and --check wherever they stand.
     Operands operands;
@@ -269,32 +287,27 @@ int ConfigCommandLine::ParseAndRun(const std::vector<tarni_wstring>& in_argument
             operands.push_back(argument);
         }
     }
-    // Data sources: edited through the installer by their own commands.
-    if ((name == u"dsn" || m_options.dsnName) && (m_options.json || m_options.check))
+    const bool dataSourceAction = name == u"dsn";
+    if (dataSourceAction)
     {
-        return Usage("--json and --check apply to the driver-wide settings, not to data sources");
+        if (const auto problem = TakeDataSourceAction(name, operands))
+        {
+            return Usage(*problem);
+        }
     }
-    if (name == u"dsn" && !m_options.dsnName)
-    {
-        return ConfigDsnCommands(m_in, m_out, m_err).RunDsnCommand(m_options.iniPath, m_options.systemDsn, operands);
-    }
-    if (m_options.dsnName)
-    {
-        return ConfigDsnCommands(m_in, m_out, m_err)
-            .RunOnDataSource(m_options.iniPath, *m_options.dsnName, m_options.systemDsn, name, operands);
-    }
-    if (m_options.systemDsn)
+    else if (m_options.systemDsn && !m_options.dsnName)
     {
         return Usage("--system applies to data sources: give --dsn NAME or use dsn list|add|remove");
     }
-    const Command* command = FindCommand(name);
+    // "dsn add" and the like are reached through dsn only.
+    const Command* command = dataSourceAction || name.find(u' ') == tarni_wstring::npos ? FindCommand(name) : nullptr;
     if (command == nullptr)
     {
-        return Usage("unknown command " + U8(name));
+        return Usage("unknown command " + U8(name) + (m_options.dsnName ? " for a data source" : ""));
     }
-    if (m_options.check && !command->writes)
+    if (m_options.check && !command->Writes())
     {
-        return Usage("--check applies to set, unset, set-secret and import, not to " + U8(name));
+        return Usage("--check applies to set, unset, set-secret, import and dsn add|remove, not to " + U8(name));
     }
     if (m_options.json && name == u"export")
     {
@@ -307,41 +320,63 @@ int ConfigCommandLine::ParseAndRun(const std::vector<tarni_wstring>& in_argument
     return RunCommand(*command, operands);
 }
 
-std::unique_ptr<Platform::ISettingsStore> ConfigCommandLine::OpenStore() const
+std::optional<std::string> ConfigCommandLine::TakeDataSourceAction(tarni_wstring& io_name, Operands& io_operands)
 {
-    return Platform::SettingsStoreFactory::OpenDriverStore(
-        DriverSupport::DSProductHelper::GetDriverStoreLocation(m_options.iniPath));
+    const std::string usage = "dsn takes list, add NAME [KEY=VALUE...] or remove NAME";
+    if (m_options.dsnName)
+    {
+        return usage + ", without --dsn";
+    }
+    // --system may follow the action too.
+    Operands operands;
+    for (const tarni_wstring& operand : io_operands)
+    {
+        if (operand == u"--system")
+        {
+            m_options.systemDsn = true;
+        }
+        else
+        {
+            operands.push_back(operand);
+        }
+    }
+    const tarni_wstring action = operands.empty() ? tarni_wstring() : operands[0];
+    const bool fits = action == u"list"     ? operands.size() == 1
+                      : action == u"remove" ? operands.size() == 2
+                                            : action == u"add" && operands.size() >= 2;
+    if (!fits)
+    {
+        return usage;
+    }
+    io_name = u"dsn " + action;
+    if (action != u"list")
+    {
+        m_options.dsnName = operands[1];
+    }
+    io_operands.assign(operands.begin() + (action == u"list" ? 1 : 2), operands.end());
+    return std::nullopt;
 }
 
 int ConfigCommandLine::RunCommand(const Command& in_command, const Operands& in_operands)
 {
     try
     {
-        SOProductIdentity::Register();
-        auto store = OpenStore();
-        if (in_command.writes && !m_options.check)
-        {
-            // Hold the store from load to save, so concurrent edits of other keys are kept.
-            store->LockForUpdate();
-        }
-        const Support::TarniSettingStoreScope storeScope(*store);
+        // Under --check a writing command only reads.
+        const auto purpose = m_options.check && in_command.purpose == ConfigSettingsSession::Purpose::Update
+                                 ? ConfigSettingsSession::Purpose::Read
+                                 : in_command.purpose;
+        ConfigSettingsSession session(m_options.iniPath, m_options.dsnName, m_options.systemDsn, purpose);
         // The message files may be placed by ERRORMESSAGESPATH in the store:
         // the catalogue takes its folder now, while the store is open.
         Support::DSIMessageManager::GetDefault().GetSource().GetMessagesPath();
-        // The same credential rules as the dialog program: a secret is kept
-        // only in protected form, and never in plain text.
-        DriverSupport::DSUidPwdConfiguration::SetEncryptionOptionsEnabled(true);
-        DriverSupport::DSUidPwdConfiguration::SetDropPlainPasswordOnSave(true);
-        Support::NullLogger logger;
-        DriverSupport::DSServerSidePropertyGroup serverSideProperties;
-        DriverSupport::DSPrefixedPropertyGroup httpHeaders("http.header.");
-        QDCConfiguration config(serverSideProperties, httpHeaders, &logger, *store);
-        config.Load();
-        for (const auto& error : config.GetSecretRecoveryErrors())
+        if (purpose != ConfigSettingsSession::Purpose::ListDataSources)
         {
-            Err() << PROGRAM << "warning: " << Describe(error) << "\n";
+            for (const auto& error : session.GetConfiguration().GetSecretRecoveryErrors())
+            {
+                Err() << PROGRAM << "warning: " << Describe(error) << "\n";
+            }
         }
-        return (this->*in_command.run)(config, in_operands);
+        return (this->*in_command.run)(session, in_operands);
     }
     catch (const Support::ErrorException& e)
     {
@@ -356,27 +391,33 @@ bool ConfigCommandLine::Emit(const std::string& in_text)
     return ConfigSettingChecks::OutputWritten(m_out, Err());
 }
 
-int ConfigCommandLine::SaveAndReport(QDCConfiguration& io_config)
+int ConfigCommandLine::SaveAndReport(ConfigSettingsSession& io_session)
 {
-    const ConfigChangeReport report(io_config, m_options.check ? io_config.PlanSave() : io_config.Save());
+    return Report(io_session, io_session.Save(m_options.check));
+}
+
+int ConfigCommandLine::Report(ConfigSettingsSession& io_session, std::vector<DriverSupport::DSStoreChange> in_changes)
+{
+    const ConfigChangeReport report(io_session.GetConfiguration(), std::move(in_changes));
     return Emit(m_options.json ? report.FormatJson() : report.FormatText()) ? RESULT_OK : RESULT_FAILURE;
 }
 
-int ConfigCommandLine::Show(QDCConfiguration& io_config, const Operands& in_operands)
+int ConfigCommandLine::Show(ConfigSettingsSession& io_session, const Operands& in_operands)
 {
+    QuillConfiguration& config = io_session.GetConfiguration();
     if (!in_operands.empty())
     {
         return Usage("show takes no arguments");
     }
     std::string text;
     nlohmann::ordered_json json = nlohmann::ordered_json::object();
-    for (const auto& [key, value] : io_config.GetMap())
+    for (const auto& [key, value] : config.GetMap())
     {
         if (!m_options.json)
         {
-            text += U8(key) + "=" + Shown(io_config, key, value) + "\n";
+            text += U8(key) + "=" + Shown(config, key, value) + "\n";
         }
-        else if (IsSecret(io_config, key, value))
+        else if (IsSecret(config, key, value))
         {
             json[U8(key)] = {{"protected", true}};
         }
@@ -388,14 +429,15 @@ int ConfigCommandLine::Show(QDCConfiguration& io_config, const Operands& in_oper
     return Emit(m_options.json ? Dump(json) : text) ? RESULT_OK : RESULT_FAILURE;
 }
 
-int ConfigCommandLine::Get(QDCConfiguration& io_config, const Operands& in_operands)
+int ConfigCommandLine::Get(ConfigSettingsSession& io_session, const Operands& in_operands)
 {
+    QuillConfiguration& config = io_session.GetConfiguration();
     if (in_operands.size() != 1)
     {
         return Usage("get takes exactly one key");
     }
-    const auto found = io_config.GetMap().find(in_operands[0]);
-    if (found == io_config.GetMap().end())
+    const auto found = config.GetMap().find(in_operands[0]);
+    if (found == config.GetMap().end())
     {
         Err() << PROGRAM << "no setting named " << U8(in_operands[0]) << "\n";
         return RESULT_FAILURE;
@@ -404,12 +446,12 @@ int ConfigCommandLine::Get(QDCConfiguration& io_config, const Operands& in_opera
     std::string text;
     if (!m_options.json)
     {
-        text = Shown(io_config, key, value) + "\n";
+        text = Shown(config, key, value) + "\n";
     }
     else
     {
         nlohmann::ordered_json json;
-        if (IsSecret(io_config, key, value))
+        if (IsSecret(config, key, value))
         {
             json[U8(key)] = {{"protected", true}};
         }
@@ -422,8 +464,9 @@ int ConfigCommandLine::Get(QDCConfiguration& io_config, const Operands& in_opera
     return Emit(text) ? RESULT_OK : RESULT_FAILURE;
 }
 
-int ConfigCommandLine::Set(QDCConfiguration& io_config, const Operands& in_operands)
+int ConfigCommandLine::Set(ConfigSettingsSession& io_session, const Operands& in_operands)
 {
+    const QuillConfiguration& config = io_session.GetConfiguration();
     if (in_operands.empty())
     {
         return Usage("set needs at least one KEY=VALUE");
@@ -439,10 +482,15 @@ int ConfigCommandLine::Set(QDCConfiguration& io_config, const Operands& in_opera
         // machine (process list, shell history): refuse it, without echoing
         // the value.
         const tarni_wstring_view key = tarni_wstring_view(pair).substr(0, equals);
-        if (io_config.FindCredentialBySecretKey(key) != nullptr)
+        if (config.FindCredentialBySecretKey(key) != nullptr)
         {
             return Usage(U8(key) + " is a secret: use 'set-secret " + U8(key) +
                          "', which reads it from standard input");
+        }
+        if (io_session.IsDataSource() && (StringConverter::EqualsIgnoreCase(key, DriverSupport::Keys::Driver) ||
+                                          StringConverter::EqualsIgnoreCase(key, DriverSupport::Keys::DSN)))
+        {
+            return Usage(U8(key) + " is kept by the ODBC installer and cannot be set");
         }
     }
     std::vector<ConfigSettingChecks::Setting> settings;
@@ -457,12 +505,12 @@ int ConfigCommandLine::Set(QDCConfiguration& io_config, const Operands& in_opera
     }
     for (const auto& [key, value] : settings)
     {
-        io_config.SetSetting(key, value);
+        io_session.SetSetting(key, value);
     }
-    return SaveAndReport(io_config);
+    return SaveAndReport(io_session);
 }
 
-int ConfigCommandLine::Unset(QDCConfiguration& io_config, const Operands& in_operands)
+int ConfigCommandLine::Unset(ConfigSettingsSession& io_session, const Operands& in_operands)
 {
     if (in_operands.empty())
     {
@@ -477,47 +525,49 @@ int ConfigCommandLine::Unset(QDCConfiguration& io_config, const Operands& in_ope
     }
     for (const tarni_wstring& key : in_operands)
     {
-        io_config.UnsetSetting(key);
+        io_session.UnsetSetting(key);
     }
-    return SaveAndReport(io_config);
+    return SaveAndReport(io_session);
 }
 
-int ConfigCommandLine::Export(QDCConfiguration& io_config, const Operands& in_operands)
+int ConfigCommandLine::Export(ConfigSettingsSession& io_session, const Operands& in_operands)
 {
-    ConfigTransferCommands(m_in, m_out).Export(io_config, in_operands[0]);
+    ConfigTransferCommands(m_in, m_out).Export(io_session.GetConfiguration(), in_operands[0]);
     return RESULT_OK;
 }
 
-int ConfigCommandLine::Import(QDCConfiguration& io_config, const Operands& in_operands)
+int ConfigCommandLine::Import(ConfigSettingsSession& io_session, const Operands& in_operands)
 {
-    DriverSupport::DSConfigurationFile::Import(io_config, ConfigTransferCommands(m_in, m_out).Read(in_operands[0]));
-    return SaveAndReport(io_config);
+    QuillConfiguration& config = io_session.GetConfiguration();
+    DriverSupport::DSConfigurationFile::Import(config, ConfigTransferCommands(m_in, m_out).Read(in_operands[0]));
+    return SaveAndReport(io_session);
 }
 
-int ConfigCommandLine::Diff(QDCConfiguration& io_config, const Operands& in_operands)
+int ConfigCommandLine::Diff(ConfigSettingsSession& io_session, const Operands& in_operands)
 {
-    DriverSupport::DSConfigurationFile::Import(io_config, ConfigTransferCommands(m_in, m_out).Read(in_operands[0]));
-    const ConfigChangeReport report(io_config, io_config.PlanSave());
+    QuillConfiguration& config = io_session.GetConfiguration();
+    DriverSupport::DSConfigurationFile::Import(config, ConfigTransferCommands(m_in, m_out).Read(in_operands[0]));
+    const ConfigChangeReport report(config, io_session.Save(true));
     return Emit(m_options.json ? report.FormatDiffJson() : report.FormatDiffText()) ? RESULT_OK : RESULT_FAILURE;
 }
 }  // namespace Tarni::SparkODBC
 
 namespace Tarni::SparkODBC
 {
-bool ConfigCommandLine::IsSecret(const QDCConfiguration& io_config, tarni_wstring_view in_key,
+bool ConfigCommandLine::IsSecret(const DriverSupport::DSDSNConfiguration& in_config, tarni_wstring_view in_key,
                                  tarni_wstring_view in_value) const
 {
     // The refresh token is written by the driver after an OAuth sign-in, not
     // by this tool; it grants access as a password does, so it is never shown.
-    return io_config.FindCredentialBySecretKey(in_key) != nullptr ||
+    return in_config.FindCredentialBySecretKey(in_key) != nullptr ||
            StringConverter::EqualsIgnoreCase(in_key, DriverSupport::Keys::Auth_RefreshToken) ||
            DriverSupport::DSEncryptionUtils::HasProtectedForm(in_value);
 }
 
-std::string ConfigCommandLine::Shown(const QDCConfiguration& io_config, tarni_wstring_view in_key,
+std::string ConfigCommandLine::Shown(const DriverSupport::DSDSNConfiguration& in_config, tarni_wstring_view in_key,
                                      tarni_wstring_view in_value) const
 {
-    return IsSecret(io_config, in_key, in_value) ? "****" : U8(in_value);
+    return IsSecret(in_config, in_key, in_value) ? "****" : U8(in_value);
 }
 
 bool ConfigCommandLine::ReadSecretLine(tarni_wstring_view in_key, std::string& out_line)
@@ -544,10 +594,13 @@ bool ConfigCommandLine::ReadSecretLine(tarni_wstring_view in_key, std::string& o
     return true;
 }
 
-int ConfigCommandLine::SetSecret(QDCConfiguration& io_config, const Operands& in_operands)
+int ConfigCommandLine::SetSecret(ConfigSettingsSession& io_session, const Operands& in_operands)
 {
+    QuillConfiguration& config = io_session.GetConfiguration();
     tarni_wstring key;
-    bool allUsers = false;
+    // A system data source is read by every user of the machine: its
+    // secrets are protected for all of them unless the caller says otherwise.
+    bool allUsers = io_session.IsSystemDataSource();
     if (const auto problem = ConfigSettingChecks::ParseSecretOperands(in_operands, key, allUsers))
     {
         return Usage(*problem);
@@ -556,7 +609,7 @@ int ConfigCommandLine::SetSecret(QDCConfiguration& io_config, const Operands& in
     {
         return Usage("set-secret needs the KEY of a secret");
     }
-    DriverSupport::DSUidPwdConfiguration* credential = io_config.FindCredentialBySecretKey(key);
+    DriverSupport::DSUidPwdConfiguration* credential = config.FindCredentialBySecretKey(key);
     if (credential == nullptr)
     {
         return Usage(U8(key) + " is not a secret; secrets are PWD, ProxyPWD, ClientPrivateKeyPWD, "
@@ -573,16 +626,40 @@ int ConfigCommandLine::SetSecret(QDCConfiguration& io_config, const Operands& in
     credential->SetPwd(secret);
     credential->SetEncryptPwd(true);
     credential->SetDPAPIEncryptForAllUsers(allUsers);
-    return SaveAndReport(io_config);
+    return SaveAndReport(io_session);
 }
 
-int ConfigCommandLine::Test(QDCConfiguration& io_config, const Operands& in_operands)
+int ConfigCommandLine::Test(ConfigSettingsSession& io_session, const Operands& in_operands)
 {
     if (m_options.json)
     {
         return Usage("test prints the Test Results report; --json does not apply to it");
     }
     return ConfigTestCommand(m_out, Err(), ThriftExtension::TEConnectionTesterFactory::GetDefault())
-        .Run(io_config, in_operands);
+        .Run(io_session.GetConfiguration(), in_operands);
+}
+
+int ConfigCommandLine::ListDataSources(ConfigSettingsSession&, const Operands&)
+{
+    std::string text;
+    nlohmann::ordered_json json;
+    json["dataSources"] = nlohmann::ordered_json::array();
+    for (const Platform::StoredValue& source : Platform::DataSourceStore::List())
+    {
+        text += U8(source.name) + "\t" + U8(source.value) + "\n";
+        json["dataSources"].push_back(
+            {{"name", U8(source.name)}, {"driver", U8(source.value)}, {"system", m_options.systemDsn}});
+    }
+    return Emit(m_options.json ? Dump(json) : text) ? RESULT_OK : RESULT_FAILURE;
+}
+
+int ConfigCommandLine::AddDataSource(ConfigSettingsSession& io_session, const Operands& in_operands)
+{
+    return in_operands.empty() ? SaveAndReport(io_session) : Set(io_session, in_operands);
+}
+
+int ConfigCommandLine::RemoveDataSource(ConfigSettingsSession& io_session, const Operands&)
+{
+    return Report(io_session, io_session.RemoveDataSource(m_options.check));
 }
 }  // namespace Tarni::SparkODBC

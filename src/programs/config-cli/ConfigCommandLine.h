@@ -1,7 +1,7 @@
 #pragma once
-// tarni-spark-config: shows and edits the driver-wide configuration from the
-// command line, over the same configuration object, validation and save as
-// the dialog program.
+// tarni-spark-config: shows and edits the driver-wide configuration or a
+// data source from the command line, over the same configuration objects,
+// validation and saves as the dialog program.
 #include <iosfwd>
 #include <memory>
 #include <optional>
@@ -9,20 +9,21 @@
 #include <vector>
 
 #include "core/TarniString.h"
+#include "driversupport/DSStoreChange.h"
+#include "programs/config-cli/ConfigSettingsSession.h"
 
 namespace Tarni::Support
 {
 class ErrorException;
 }
 
-namespace Tarni::Platform
+namespace Tarni::DriverSupport
 {
-class ISettingsStore;
+class DSDSNConfiguration;
 }
 
 namespace Tarni::SparkODBC
 {
-class QDCConfiguration;
 
 class ConfigCommandLine
 {
@@ -54,41 +55,48 @@ private:
         bool check = false;
     };
 
-    /// One command: its name, whether it changes the store, and what runs it
-    /// over the loaded configuration.
+    /// One command: its name ("dsn add" for the data-source actions), what
+    /// it opens (a command that saves: Update or Create), and what runs it
+    /// over the opened settings.
+    using CommandFunction = int(ConfigSettingsSession& io_session, const Operands& in_operands);
     struct Command
     {
         const char16_t* name;
-        bool writes;
-        int (ConfigCommandLine::*run)(QDCConfiguration& io_config, const Operands& in_operands);
+        ConfigSettingsSession::Purpose purpose;
+        CommandFunction ConfigCommandLine::*run;
+        bool Writes() const;
     };
     static const Command* FindCommand(tarni_wstring_view in_name);
 
     int ParseAndRun(const std::vector<tarni_wstring>& in_arguments);
-    /// Opens the store, loads the configuration and runs the command on it.
+    /// `dsn ACTION [NAME] ...`: the action joins the command's name and
+    /// NAME becomes the data source. A usage problem, or nothing.
+    std::optional<std::string> TakeDataSourceAction(tarni_wstring& io_name, Operands& io_operands);
+    /// Opens the settings the options name, loads them and runs the command on them.
     int RunCommand(const Command& in_command, const Operands& in_operands);
-    /// The one place where the command line chooses the store.
-    std::unique_ptr<Platform::ISettingsStore> OpenStore() const;
 
-    int Show(QDCConfiguration& io_config, const Operands& in_operands);
-    int Get(QDCConfiguration& io_config, const Operands& in_operands);
-    int Set(QDCConfiguration& io_config, const Operands& in_operands);
-    int Unset(QDCConfiguration& io_config, const Operands& in_operands);
-    int SetSecret(QDCConfiguration& io_config, const Operands& in_operands);
-    int Export(QDCConfiguration& io_config, const Operands& in_operands);
-    int Import(QDCConfiguration& io_config, const Operands& in_operands);
-    int Diff(QDCConfiguration& io_config, const Operands& in_operands);
-    /// Opens a session with the settings (and KEY=VALUE changes for this attempt only).
-    int Test(QDCConfiguration& io_config, const Operands& in_operands);
+    // The commands (see FindCommand). Test opens a session with the
+    // settings (and KEY=VALUE changes for this attempt only); dsn list
+    // prints NAME<TAB>DRIVER lines or {"dataSources": [{"name", "driver",
+    // "system"}]}; dsn add creates the data source with its description,
+    // host and port and the given settings; dsn remove reports the entries
+    // that go with it.
+    CommandFunction Show, Get, Export, Diff, Test;
+    CommandFunction Set, Unset, SetSecret, Import;
+    CommandFunction ListDataSources, AddDataSource, RemoveDataSource;
 
     /// Saves (or with --check only compares) and reports what changed.
-    int SaveAndReport(QDCConfiguration& io_config);
+    int SaveAndReport(ConfigSettingsSession& io_session);
+    /// Reports the changes as text or JSON.
+    int Report(ConfigSettingsSession& io_session, std::vector<DriverSupport::DSStoreChange> in_changes);
     /// Writes the whole output at once; false (after an error) when it could not be written.
     bool Emit(const std::string& in_text);
 
     /// The text shown for a setting: "****" for a secret, plain or protected.
-    std::string Shown(const QDCConfiguration& io_config, tarni_wstring_view in_key, tarni_wstring_view in_value) const;
-    bool IsSecret(const QDCConfiguration& io_config, tarni_wstring_view in_key, tarni_wstring_view in_value) const;
+    std::string Shown(const DriverSupport::DSDSNConfiguration& in_config, tarni_wstring_view in_key,
+                      tarni_wstring_view in_value) const;
+    bool IsSecret(const DriverSupport::DSDSNConfiguration& in_config, tarni_wstring_view in_key,
+                  tarni_wstring_view in_value) const;
     /// One line of standard input, without echo when it is a terminal.
     bool ReadSecretLine(tarni_wstring_view in_key, std::string& out_line);
     int Usage(const std::string& in_problem);

@@ -5,8 +5,8 @@
 
 #include "core/ErrorException.h"
 #include "driversupport/DSConfigurationFile.h"
+#include "driversupport/DSDSNConfiguration.h"
 #include "platform/SystemError.h"
-#include "product/QDCConfiguration.h"
 
 namespace Tarni::SparkODBC
 {
@@ -23,7 +23,7 @@ ConfigTransferCommands::ConfigTransferCommands(std::istream& io_in, std::ostream
 {
 }
 
-void ConfigTransferCommands::Export(const QDCConfiguration& in_config, const tarni_wstring& in_target)
+void ConfigTransferCommands::Export(const DriverSupport::DSDSNConfiguration& in_config, const tarni_wstring& in_target)
 {
     if (in_target == STANDARD_STREAM)
     {

@@ -9,9 +9,13 @@
 #include "core/TarniString.h"
 #include "driversupport/ConfigurationMap.h"
 
+namespace Tarni::DriverSupport
+{
+class DSDSNConfiguration;
+}
+
 namespace Tarni::SparkODBC
 {
-class QDCConfiguration;
 
 class ConfigTransferCommands
 {
@@ -23,7 +27,7 @@ public:
 
     /// Writes the export to the file (replaced as a whole) or to standard
     /// output. Throws ErrorException naming the file.
-    void Export(const QDCConfiguration& in_config, const tarni_wstring& in_target);
+    void Export(const DriverSupport::DSDSNConfiguration& in_config, const tarni_wstring& in_target);
 
     /// Reads and parses the file or standard input. A bad file throws
     /// ErrorException naming it and the line.
