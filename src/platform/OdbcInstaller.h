@@ -4,9 +4,9 @@
 // without a driver manager still runs the program: the calls then report
 // that they could not be made.
 //
-// Every call uses the installer's wide-character entry points: both
-// installers take UTF-16 there (unixODBC's SQLWCHAR is 16-bit, as Windows'
-// WCHAR), so the program's strings pass through unchanged. Data sources are
+// Text goes to the installer's wide entry points as UTF-16 on Windows and to
+// its narrow ones as UTF-8 with unixODBC, whose wide ones would keep only the
+// low byte of each character (see SystemLibraryNames). Data sources are
 // read and written only through these calls, in the installer's current
 // configuration mode, so the installers see what the program writes.
 #include <cstdint>
@@ -44,7 +44,7 @@ public:
     /// SQLSetConfigMode. Throws ErrorException when it cannot be set.
     static void SetConfigMode(unsigned short in_mode);
 
-    /// SQLGetPrivateProfileStringW of one entry: nothing when the entry is
+    /// SQLGetPrivateProfileString(W) of one entry: nothing when the entry is
     /// absent. Throws ErrorException when the installer cannot be reached.
     static std::optional<tarni_wstring> GetProfileString(tarni_wstring_view in_section, tarni_wstring_view in_key,
                                                          tarni_wstring_view in_file = DATA_SOURCE_FILE);
@@ -54,26 +54,26 @@ public:
     static std::vector<tarni_wstring> GetProfileKeys(tarni_wstring_view in_section,
                                                      tarni_wstring_view in_file = DATA_SOURCE_FILE);
 
-    /// SQLWritePrivateProfileStringW: writes one entry; a null value removes
+    /// SQLWritePrivateProfileString(W): writes one entry; a null value removes
     /// the entry, a null key the whole section. Throws ErrorException with the
     /// installer's own error text when the installer refuses.
     static void WriteProfileString(tarni_wstring_view in_section, const tarni_wstring* in_key,
                                    const tarni_wstring* in_value, tarni_wstring_view in_file = DATA_SOURCE_FILE);
 
-    /// SQLWriteDSNToIniW: registers the data source with its driver.
+    /// SQLWriteDSNToIni(W): registers the data source with its driver.
     static void WriteDSNToIni(tarni_wstring_view in_dsn, tarni_wstring_view in_driver);
 
-    /// SQLRemoveDSNFromIniW.
+    /// SQLRemoveDSNFromIni(W).
     static void RemoveDSNFromIni(tarni_wstring_view in_dsn);
 
-    /// SQLValidDSNW; false when the installer cannot be reached.
+    /// SQLValidDSN(W); false when the installer cannot be reached.
     static bool IsValidDSN(tarni_wstring_view in_dsn);
 
-    /// SQLPostInstallerErrorW: hands an error to the installer, which passes
+    /// SQLPostInstallerError(W): hands an error to the installer, which passes
     /// it to the program that called it. Does nothing without an installer.
     static void PostInstallerError(std::uint32_t in_code, tarni_wstring_view in_text);
 
-    /// SQLInstallerErrorW's first record, or empty.
+    /// SQLInstallerError(W)'s first record, or empty.
     static tarni_wstring GetInstallerError();
 
     /// The library name to load instead of the platform's; empty restores

@@ -194,3 +194,20 @@ TEST_F(DsnCommands, ARenameWritesTheNewDataSourceAndRemovesTheOldOne)
     EXPECT_NE(std::string::npos, renamed.find("HTTPPath=p\n")) << renamed;
     EXPECT_NE(std::string::npos, renamed.find("Extra=e\n")) << renamed;
 }
+
+TEST_F(DsnCommands, NamesAndValuesBeyondAsciiAreStoredAsUtf8AndReadBackUnchanged)
+{
+    const std::string name = "Donn\xC3\xA9" "es";
+    const std::string value = "J\xC3\xBCrgen \xE2\x82\xAC \xF0\x9F\x93\x8A";
+    ASSERT_EQ(0, Run({"dsn", "add", name, "Host=h"})) << m_err.str();
+    ASSERT_EQ(0, Run({"--dsn", name, "set", "DESCRIPTION=" + value})) << m_err.str();
+
+    // The file holds the UTF-8 bytes, as another program reading odbc.ini expects.
+    const std::string section = Section(Read(UserIni()), name);
+    EXPECT_NE(std::string::npos, section.find("DESCRIPTION=" + value + "\n")) << section;
+
+    ASSERT_EQ(0, Run({"--dsn", name, "get", "DESCRIPTION"})) << m_err.str();
+    EXPECT_EQ(value + "\n", m_out.str());
+    ASSERT_EQ(0, Run({"dsn", "list"}));
+    EXPECT_EQ(name + "\tTarni Spark ODBC Driver\n", m_out.str());
+}

@@ -11,4 +11,9 @@ tarni_wstring SystemLibraryNames::OdbcInstallerLibrary()
 {
     return u"odbccp32.dll";
 }
+
+bool SystemLibraryNames::OdbcInstallerTakesUtf8()
+{
+    return false;
+}
 }  // namespace Tarni::Platform
