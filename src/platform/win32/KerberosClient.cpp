@@ -200,6 +200,16 @@ bool KerberosClient::Step(const Bytes& in_token, Bytes& out_token)
     }
     c.haveContext = true;
     c.established = status == SEC_E_OK;
+    if (c.clientPrincipal.empty())
+    {
+        // Some providers name the user only through the context.
+        SecPkgContext_NamesW names{};
+        if (QueryContextAttributesW(&c.context, SECPKG_ATTR_NAMES, &names) == SEC_E_OK)
+        {
+            c.clientPrincipal = Utf8(names.sUserName);
+            FreeContextBuffer(names.sUserName);
+        }
+    }
     out_token.assign(output.begin(), output.begin() + outBuffer.cbBuffer);
     return true;
 }
