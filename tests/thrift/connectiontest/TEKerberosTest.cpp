@@ -197,6 +197,19 @@ TEST_F(KerberosTest, EachFailureNamesItsCauseAtTheAuthenticationStep)
         EXPECT_EQ(Steps(outcome), "connect:passed authentication:failed");
     }
     {
+        // The realm knows the service, but the server has not its keys.
+        SCOPED_TRACE("server without the service's keys");
+        s_kdc->AddServiceWithoutKeytab("impala/localhost");
+        Target(server.Port(), "1");
+        Set(Keys::KrbServiceName, "impala");
+        const auto outcome = Run();
+        EXPECT_EQ(outcome.status, Status::Failed);
+        EXPECT_NE(Text(outcome).find("127.0.0.1:" + std::to_string(server.Port()) +
+                                     " refused the Kerberos authentication: GSS initiate failed"),
+                  std::string::npos)
+            << Text(outcome);
+    }
+    {
         SCOPED_TRACE("wrong realm");
         Target(server.Port(), "1");
         Set(Keys::KrbRealm, "ELSEWHERE.TEST");
@@ -219,6 +232,16 @@ TEST_F(KerberosTest, EachFailureNamesItsCauseAtTheAuthenticationStep)
         EXPECT_NE(Text(outcome).find("kinit"), std::string::npos) << Text(outcome);
         EXPECT_EQ(Steps(outcome), "connect:passed authentication:failed");
         EXPECT_EQ(http.SessionsOpened(), 0);
+    }
+    {
+        SCOPED_TRACE("expired ticket");
+        s_kdc->Kinit("2s");
+        std::this_thread::sleep_for(std::chrono::milliseconds(2500));
+        Target(server.Port(), "1");
+        const auto outcome = Run();
+        EXPECT_EQ(outcome.status, Status::Failed);
+        EXPECT_NE(Text(outcome).find("The Kerberos ticket has expired"), std::string::npos) << Text(outcome);
+        EXPECT_EQ(Steps(outcome), "connect:passed authentication:failed");
     }
     EXPECT_EQ(server.SessionsOpened(), 0);
 }

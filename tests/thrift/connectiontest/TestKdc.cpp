@@ -161,9 +161,14 @@ void TestKdc::Run(const std::string& in_command)
     }
 }
 
-void TestKdc::Kinit()
+void TestKdc::Kinit(const std::string& in_lifetime)
 {
-    Run(std::string("kinit -f ") + USER + " <" + (m_folder / "password").string());
+    Run("kinit -f -l " + in_lifetime + " " + USER + " <" + (m_folder / "password").string());
+}
+
+void TestKdc::AddServiceWithoutKeytab(const std::string& in_service)
+{
+    Run(std::string("kadmin.local -r ") + REALM + " -q \"addprinc -randkey " + in_service + "\"");
 }
 
 void TestKdc::Kdestroy()

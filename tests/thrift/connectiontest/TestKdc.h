@@ -30,8 +30,11 @@ public:
 
     const std::string& Keytab() const { return m_keytab; }
 
-    /// Gets the user's ticket with kinit (forwardable) into the default cache.
-    void Kinit();
+    /// Gets the user's ticket with kinit (forwardable) into the default cache,
+    /// valid for in_lifetime (kinit's form, "1h", "2s").
+    void Kinit(const std::string& in_lifetime = "1h");
+    /// Adds a service principal whose keys no keytab holds.
+    void AddServiceWithoutKeytab(const std::string& in_service);
     /// Removes the user's tickets (kdestroy).
     void Kdestroy();
 
