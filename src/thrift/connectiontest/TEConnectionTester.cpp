@@ -400,7 +400,9 @@ void TEConnectionTester::OpenAndCloseSession(const TEConnectionTarget& in_target
         Cli::TCLIServiceClient client(protocol);
 
         Cli::TOpenSessionReq openRequest;
-        if (!in_target.m_user.empty() && in_target.m_authentication != TEConnectionTarget::Authentication::BearerToken)
+        // With a token or a Kerberos ticket the server knows the user already.
+        if (!in_target.m_user.empty() && in_target.m_authentication != TEConnectionTarget::Authentication::BearerToken &&
+            in_target.m_authentication != TEConnectionTarget::Authentication::Kerberos)
         {
             openRequest.__set_username(in_target.m_user);
             // Without SASL or HTTP the password travels in the request too.
