@@ -28,6 +28,9 @@ packages=(
   tmux imagemagick x11-apps
   # connection test: the Thrift compiler generates the TCLIService client
   thrift-compiler libssl-dev
+  # connection test with Kerberos: GSSAPI (libkrb5-dev), and the throw-away
+  # realm of its tests (KDC, kadmin.local, kinit)
+  libkrb5-dev krb5-kdc krb5-admin-server krb5-user
   # packages: the MSI (wixl), the Debian package's checks, and the
   # CA bundle the MSI ships as the default trusted certificates file
   wixl lintian ca-certificates

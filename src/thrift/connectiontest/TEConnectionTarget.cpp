@@ -47,6 +47,35 @@ unsigned Number(const DriverSupport::DSDSNConfiguration& in_configuration, tarni
 {
     throw TEException::WithText(u"TEConnectionTestUnsupported", in_what);
 }
+
+// Kerberos (1) goes over the configured SASL or HTTP transport; "Kerberos over
+// HTTP" (9) and "over HTTPS" (10) always use HTTP.
+void ReadKerberos(const DriverSupport::DSDSNConfiguration& in_configuration, TEConnectionTarget& io_target)
+{
+    io_target.m_authentication = TEConnectionTarget::Authentication::Kerberos;
+    if (io_target.m_authMech != 1)
+    {
+        io_target.m_transport = TETransportMode::HTTP;
+    }
+    else if (io_target.m_transport == TETransportMode::Binary)
+    {
+        throw TEException(u"TEKerberosNeedsTransport");
+    }
+    io_target.m_krbServiceName = Utf8Value(in_configuration, DSKeys::KrbServiceName);
+    io_target.m_krbHostFqdn = Utf8Value(in_configuration, DSKeys::KrbHostFQDN);
+    io_target.m_krbRealm = Utf8Value(in_configuration, DSKeys::KrbRealm);
+    if (io_target.m_krbServiceName.empty())
+    {
+        throw TEException::WithText(u"TEConnectionTestMissingSetting", "KrbServiceName");
+    }
+    if (io_target.m_krbHostFqdn.empty())
+    {
+        throw TEException::WithText(u"TEConnectionTestMissingSetting", "KrbHostFQDN");
+    }
+    // Canonicalisation is on unless switched off.
+    io_target.m_krbCanonicalize = in_configuration.GetValue(DSKeys::ServicePrincipalCanonicalization) != u"0";
+    io_target.m_krbDelegate = IsOn(in_configuration, DSKeys::DelegateKrbCreds);
+}
 }  // namespace
 
 TEConnectionTarget TEConnectionTarget::FromConfiguration(const DriverSupport::DSDSNConfiguration& in_configuration)
@@ -122,7 +151,8 @@ TEConnectionTarget TEConnectionTarget::FromConfiguration(const DriverSupport::DS
         case 1:
         case 9:
         case 10:
-            Unsupported("Kerberos authentication");
+            ReadKerberos(in_configuration, target);
+            break;
         case 11:
         {
             const std::string flow = Utf8Value(in_configuration, DSKeys::Auth_Flow);
@@ -148,7 +178,8 @@ TEConnectionTarget TEConnectionTarget::FromConfiguration(const DriverSupport::DS
         Unsupported("an OAuth 2.0 token over a transport other than HTTP");
     }
 
-    target.m_ssl = IsOn(in_configuration, DSKeys::SSL);
+    // "Kerberos over HTTPS" is the HTTP transport with TLS.
+    target.m_ssl = IsOn(in_configuration, DSKeys::SSL) || target.m_authMech == 10;
     target.m_allowSelfSigned = IsOn(in_configuration, DSKeys::AllowSelfSignedServerCert);
     target.m_allowHostNameMismatch = IsOn(in_configuration, DSKeys::AllowHostNameCNMismatch);
     target.m_useSystemTrustStore = IsOn(in_configuration, DSKeys::UseSystemTrustStore);
@@ -201,6 +232,8 @@ std::map<std::string, std::string> TEConnectionTarget::BuildHttpHeaders() const
         case Authentication::BearerToken:
             headers["Authorization"] = "Bearer " + m_secret;
             break;
+        case Authentication::Kerberos:
+            // A new Negotiate token per request (TEKerberosAuthenticator).
         case Authentication::None:
             break;
     }

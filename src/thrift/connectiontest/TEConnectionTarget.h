@@ -25,6 +25,7 @@ public:
         None,         ///< no credentials
         Plain,        ///< user name and password (SASL PLAIN or HTTP basic)
         BearerToken,  ///< an OAuth access token passed through (HTTP only)
+        Kerberos,     ///< the user's Kerberos ticket (SASL GSSAPI, or HTTP Negotiate)
     };
 
     /// The target of a configuration. Throws TEException
@@ -70,6 +71,14 @@ public:
     std::string m_clientKeyFile;
     /// Never logged.
     std::string m_clientKeyPassword;
+
+    // Kerberos: the parts of the service principal and the options.
+    std::string m_krbServiceName;
+    /// KrbHostFQDN as configured ("_HOST": the connection's host).
+    std::string m_krbHostFqdn;
+    std::string m_krbRealm;
+    bool m_krbCanonicalize = false;
+    bool m_krbDelegate = false;
 
     /// The HTTP proxy; empty for none.
     DriverSupport::DSProxyDescription m_proxy;

@@ -21,6 +21,8 @@
 #include "thrift/connectiontest/TEDetachableSocket.h"
 #include "thrift/TEException.h"
 #include "thrift/connectiontest/TEHttpClientTransport.h"
+#include "thrift/connectiontest/TEKerberosAuthenticator.h"
+#include "thrift/connectiontest/TEKerberosSaslTransport.h"
 #include "thrift/connectiontest/TESaslClientTransport.h"
 #include "thrift/connectiontest/TEStepRecorder.h"
 #include "thrift/connectiontest/TETlsSocketFactory.h"
@@ -203,12 +205,17 @@ struct Stack
     std::shared_ptr<TTransport> transport;
     std::shared_ptr<TESaslClientTransport> sasl;
     std::shared_ptr<TEHttpClientTransport> http;
+    std::shared_ptr<TEKerberosAuthenticator> kerberos;
     std::unique_ptr<TETlsSocketFactory> tls;
 };
 
-Stack BuildStack(const TEConnectionTarget& in_target, TEStepRecorder& io_steps)
+Stack BuildStack(const TEConnectionTarget& in_target, TEStepRecorder& io_steps, Support::ILogger* in_log)
 {
     Stack stack;
+    if (in_target.m_authentication == TEConnectionTarget::Authentication::Kerberos)
+    {
+        stack.kerberos = std::make_shared<TEKerberosAuthenticator>(in_target, in_log);
+    }
     const bool viaProxy = in_target.m_transport == TETransportMode::HTTP && !in_target.m_proxy.IsEmpty();
     io_steps.Begin("connect");
     std::intptr_t connected;
@@ -250,7 +257,10 @@ Stack BuildStack(const TEConnectionTarget& in_target, TEStepRecorder& io_steps)
             stack.transport = std::make_shared<TBufferedTransport>(stack.socket);
             break;
         case TETransportMode::SASL:
-            stack.sasl = std::make_shared<TESaslClientTransport>(stack.socket, in_target.m_user, in_target.m_secret);
+            stack.sasl = stack.kerberos
+                             ? std::make_shared<TEKerberosSaslTransport>(stack.socket, stack.kerberos)
+                             : std::make_shared<TESaslClientTransport>(stack.socket, in_target.m_user,
+                                                                       in_target.m_secret);
             stack.transport = stack.sasl;
             break;
         case TETransportMode::HTTP:
@@ -269,6 +279,10 @@ Stack BuildStack(const TEConnectionTarget& in_target, TEStepRecorder& io_steps)
             }
             stack.http = std::make_shared<TEHttpClientTransport>(stack.socket, in_target.GetAuthority(),
                                                                  requestTarget, std::move(headers));
+            if (stack.kerberos)
+            {
+                stack.http->SetAuthorizationSource([kerberos = stack.kerberos] { return kerberos->NextNegotiateHeader(); });
+            }
             stack.transport = stack.http;
             break;
         }
@@ -281,6 +295,16 @@ Stack BuildStack(const TEConnectionTarget& in_target, TEStepRecorder& io_steps)
                                         const TEConnectionTarget& in_target)
 {
     const std::string authority = in_target.GetAuthority();
+    if (in_stack.kerberos && in_stack.sasl && in_stack.sasl->WasRefused())
+    {
+        Fail(u"TEKerberosRefused", {authority, in_error.what()});
+    }
+    if (in_stack.kerberos && in_stack.http &&
+        (in_stack.http->GetRefusedStatus() == 401 || in_stack.http->GetRefusedStatus() == 403))
+    {
+        Fail(u"TEKerberosRefused", {authority, "HTTP " + std::to_string(in_stack.http->GetRefusedStatus()) + " " +
+                                                   in_stack.http->GetRefusedReason()});
+    }
     if (in_stack.sasl && in_stack.sasl->WasRefused())
     {
         Fail(u"TEAuthenticationRefused", {authority, in_error.what()});
@@ -355,21 +379,30 @@ void TEConnectionTester::OpenAndCloseSession(const TEConnectionTarget& in_target
     {
         throw TEException(u"TETestCancelled", {});
     }
-    Stack stack = BuildStack(in_target, io_steps);
+    Stack stack = BuildStack(in_target, io_steps, in_log);
     try
     {
         if (stack.sasl)
         {
             io_steps.Begin("authentication");
             stack.sasl->open();
-            io_steps.Pass("SASL PLAIN as " + in_target.m_user);
+            io_steps.Pass(stack.kerberos ? stack.kerberos->Describe("SASL GSSAPI")
+                                         : "SASL PLAIN as " + in_target.m_user);
+        }
+        else if (stack.kerberos)
+        {
+            io_steps.Begin("authentication");
+            stack.kerberos->PrepareNegotiate();
+            io_steps.Pass(stack.kerberos->Describe("HTTP Negotiate"));
         }
         io_steps.Begin("open-session");
         auto protocol = std::make_shared<TBinaryProtocol>(stack.transport);
         Cli::TCLIServiceClient client(protocol);
 
         Cli::TOpenSessionReq openRequest;
-        if (!in_target.m_user.empty() && in_target.m_authentication != TEConnectionTarget::Authentication::BearerToken)
+        // With a token or a Kerberos ticket the server knows the user already.
+        if (!in_target.m_user.empty() && in_target.m_authentication != TEConnectionTarget::Authentication::BearerToken &&
+            in_target.m_authentication != TEConnectionTarget::Authentication::Kerberos)
         {
             openRequest.__set_username(in_target.m_user);
             // Without SASL or HTTP the password travels in the request too.

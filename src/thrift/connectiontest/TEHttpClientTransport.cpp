@@ -62,6 +62,10 @@ void TEHttpClientTransport::flush()
     std::uint32_t length = 0;
     writeBuffer_.getBuffer(&body, &length);
 
+    if (m_authorizationSource)
+    {
+        m_headers["Authorization"] = m_authorizationSource();
+    }
     std::string request = "POST " + m_target + " HTTP/1.1\r\nHost: " + m_hostHeader +
                           "\r\nContent-Type: application/x-thrift\r\nAccept: application/x-thrift\r\n"
                           "Content-Length: " +

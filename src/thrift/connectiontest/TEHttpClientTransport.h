@@ -5,6 +5,7 @@
 // carries arbitrary headers, keeps the status and reason of a refused reply,
 // and can address an HTTP proxy with the absolute URL.
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <string>
 
@@ -25,6 +26,10 @@ public:
 
     void flush() override;
 
+    /// A source of the Authorization header's value, asked once per request
+    /// (a Kerberos token is good for one request only).
+    void SetAuthorizationSource(std::function<std::string()> in_source) { m_authorizationSource = std::move(in_source); }
+
     /// The status and reason of the last reply that was not 200; 0 and empty
     /// before one.
     int GetRefusedStatus() const { return m_refusedStatus; }
@@ -42,6 +47,7 @@ private:
     std::string m_hostHeader;
     std::string m_target;
     std::map<std::string, std::string> m_headers;
+    std::function<std::string()> m_authorizationSource;
     int m_refusedStatus = 0;
     std::string m_refusedReason;
 };

@@ -54,9 +54,13 @@ public:
     /// password.
     static std::string PlainResponse(const std::string& in_user, const std::string& in_password);
 
-private:
+protected:
     void SendNegotiation(Status in_status, const std::string& in_payload);
     Status ReceiveNegotiation(std::string& out_payload);
+    /// Marks the negotiation as refused by the server.
+    void SetRefused() { m_refused = true; }
+
+private:
     std::uint32_t ReadLength();
     void ReadFrame();
 

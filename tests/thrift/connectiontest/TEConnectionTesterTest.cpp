@@ -446,8 +446,9 @@ TEST_F(ConnectionTest, TlsBelowTheMinimumIsRefused)
 
 TEST_F(ConnectionTest, SettingsThatCannotBeTestedSaySo)
 {
-    Target(1, "1", "1");
-    EXPECT_NE(Text(Run()).find("cannot test a connection that uses Kerberos authentication"), std::string::npos);
+    Target(1, "1", "13");
+    EXPECT_NE(Text(Run()).find("cannot test a connection that uses the authentication mechanism 13"),
+              std::string::npos);
     Target(1, "2", "11");
     Set(Keys::Auth_Flow, "1");
     EXPECT_NE(Text(Run()).find("OAuth 2.0 flow other than token pass-through"), std::string::npos);

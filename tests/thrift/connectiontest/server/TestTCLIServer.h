@@ -46,6 +46,9 @@ public:
         std::string keyFile;
         /// The highest TLS version offered ("1.1"...); empty: the library's.
         std::string maxTls;
+        /// Kerberos with the service's keytab instead of user and password:
+        /// SASL GSSAPI, or HTTP Negotiate.
+        std::string keytab;
     };
 
     explicit TestTCLIServer(Options in_options);
@@ -59,6 +62,10 @@ public:
     std::map<std::string, std::string> LastHeaders() const;
     int SessionsOpened() const;
     int SessionsClosed() const;
+    /// The client principal of the last Kerberos authentication, and
+    /// whether it delegated its ticket.
+    std::string LastKerberosClient() const;
+    bool LastKerberosDelegated() const;
 
     /// Serves until the process ends (the standalone server).
     void Wait();
@@ -67,6 +74,8 @@ private:
     void Serve();
     void ServeConnection(const std::shared_ptr<apache::thrift::transport::TTransport>& in_client);
     bool NegotiateSasl(apache::thrift::transport::TTransport& io_client);
+    bool NegotiateGssapi(apache::thrift::transport::TTransport& io_client);
+    bool AcceptNegotiate(const std::string& in_authorization);
     void ServeHttp(apache::thrift::transport::TTransport& io_client);
 
     Options m_options;
@@ -75,6 +84,8 @@ private:
     std::uint16_t m_port = 0;
     mutable std::mutex m_lock;
     std::map<std::string, std::string> m_lastHeaders;
+    std::string m_kerberosClient;
+    bool m_kerberosDelegated = false;
     bool m_stopping = false;
     std::thread m_thread;
 };

@@ -1,8 +1,9 @@
 // The test server as a program, for trying the connection test by hand and
 // for the terminal and Win32 flow tests:
 //   tarni-test-tcli-server MODE [--user U --password P] [--path /p]
-//                          [--cert FILE --key FILE] [--max-tls 1.1]
-// MODE is binary, sasl or http. Prints the port on the first line, then
+//                          [--cert FILE --key FILE] [--max-tls 1.1] [--keytab FILE]
+// MODE is binary, sasl or http; with --keytab, sasl and http want Kerberos
+// (SASL GSSAPI, HTTP Negotiate) with that service keytab. Prints the port on the first line, then
 // serves until killed.
 #include <cstring>
 #include <iostream>
@@ -15,7 +16,7 @@ int main(int argc, char** argv)
     if (argc < 2)
     {
         std::cerr << "usage: tarni-test-tcli-server binary|sasl|http [--user U] [--password P] [--token T] "
-                     "[--path /p] [--cert FILE --key FILE] [--max-tls V]\n";
+                     "[--path /p] [--cert FILE --key FILE] [--max-tls V] [--keytab FILE]\n";
         return 2;
     }
     TestTCLIServer::Options options;
@@ -34,6 +35,7 @@ int main(int argc, char** argv)
         else if (name == "--cert") options.certificateFile = value;
         else if (name == "--key") options.keyFile = value;
         else if (name == "--max-tls") options.maxTls = value;
+        else if (name == "--keytab") options.keytab = value;
         else
         {
             std::cerr << "tarni-test-tcli-server: unknown option " << name << "\n";
