@@ -28,6 +28,9 @@ packages=(
   tmux imagemagick x11-apps
   # connection test: the Thrift compiler generates the TCLIService client
   thrift-compiler libssl-dev
+  # connection test with ZooKeeper discovery: the C client, and the server
+  # (with a Java runtime) that the tests start
+  libzookeeper-mt-dev zookeeper
   # packages: the MSI (wixl), the Debian package's checks, and the
   # CA bundle the MSI ships as the default trusted certificates file
   wixl lintian ca-certificates
