@@ -336,7 +336,8 @@ std::vector<TEZooKeeperDiscovery::Server> TEZooKeeperDiscovery::ListServers(
     Handle handle(zookeeper_init2(in_ensemble.c_str(), &Watcher, in_timeoutMs, nullptr, &exchange, 0, &ClientLog));
     if (handle.Get() == nullptr)
     {
-        Fail(u"TEZooKeeperBadEnsemble", {in_ensemble});
+        // The client resolves every host first and gives up when none is found.
+        Fail(u"TEZooKeeperError", {in_ensemble, in_namespace, "no host of the ensemble was found"});
     }
 
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(in_timeoutMs);

@@ -7,9 +7,13 @@
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
+#include <thread>
+
+#include <thrift/transport/TServerSocket.h>
 
 #include "common/RecordingLogger.h"
 #include "driversupport/ConfigurationKeys.h"
+#include "driversupport/DSCancellation.h"
 #include "driversupport/DSDSNConfiguration.h"
 #include "support/StringConverter.h"
 #include "support/messages/DSIMessageManager.h"
@@ -210,6 +214,26 @@ TEST_F(ClientCredentialsTest, FailsAtTheTokenStepWithTheEndPointsAnswer)
         const auto outcome = Run();
         EXPECT_NE(StringConverter::ToUtf8(outcome.errorText).find("is not an https:// URL"), std::string::npos);
     }
+}
+
+TEST_F(ClientCredentialsTest, ACancelEndsTheWaitForASilentEndPoint)
+{
+    // Accepts the connection and never answers the TLS handshake.
+    apache::thrift::transport::TServerSocket silent("127.0.0.1", 0);
+    silent.listen();
+    Set(Keys::OAuth2TokenEndPoint, "https://127.0.0.1:" + std::to_string(silent.getPort()) + "/token");
+    Set(Keys::ConnectionTestTimeout, "30");
+    Tarni::DriverSupport::DSCancellation cancellation;
+    std::thread canceller([&cancellation] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        cancellation.Cancel();
+    });
+    const auto started = std::chrono::steady_clock::now();
+    const auto outcome = TEConnectionTester().TestConnection(m_configuration, cancellation);
+    canceller.join();
+    EXPECT_EQ(StringConverter::ToUtf8(outcome.errorText), "The test was cancelled.");
+    EXPECT_EQ(Steps(outcome), "token:failed");
+    EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::seconds(2));
 }
 
 TEST_F(ClientCredentialsTest, TheBrowserFlowAndMissingSettingsAnswerAtOnce)
