@@ -31,6 +31,9 @@ packages=(
   # connection test with Kerberos: GSSAPI (libkrb5-dev), and the throw-away
   # realm of its tests (KDC, kadmin.local, kinit)
   libkrb5-dev krb5-kdc krb5-admin-server krb5-user
+  # connection test with ZooKeeper discovery: the C client, and the server
+  # (with a Java runtime) that the tests start
+  libzookeeper-mt-dev zookeeper
   # packages: the MSI (wixl), the Debian package's checks, and the
   # CA bundle the MSI ships as the default trusted certificates file
   wixl lintian ca-certificates

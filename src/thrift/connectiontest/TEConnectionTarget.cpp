@@ -7,6 +7,9 @@
 #include "support/StringConverter.h"
 #include "thrift/TEConnectionUtils.h"
 #include "thrift/TEException.h"
+#ifdef TARNI_HAVE_ZOOKEEPER
+#include "thrift/connectiontest/TEZooKeeperDiscovery.h"
+#endif
 
 namespace Tarni::ThriftExtension
 {
@@ -41,6 +44,31 @@ unsigned Number(const DriverSupport::DSDSNConfiguration& in_configuration, tarni
         return 0;
     }
     return static_cast<unsigned>(std::stoul(text));
+}
+
+/// The service discovery mode: its number or its name.
+unsigned DiscoveryMode(const DriverSupport::DSDSNConfiguration& in_configuration)
+{
+    const tarni_wstring value = in_configuration.GetValue(DSKeys::ServiceDiscoveryMode);
+    if (StringConverter::EqualsIgnoreCase(value, u"ZooKeeper"))
+    {
+        return 1;
+    }
+    if (StringConverter::EqualsIgnoreCase(value, u"AOSS"))
+    {
+        return 2;
+    }
+    return Number(in_configuration, DSKeys::ServiceDiscoveryMode);
+}
+
+std::string Required(const DriverSupport::DSDSNConfiguration& in_configuration, tarni_wstring_view in_key)
+{
+    std::string value = Utf8Value(in_configuration, in_key);
+    if (value.empty())
+    {
+        throw TEException::WithText(u"TEConnectionTestMissingSetting", StringConverter::ToUtf8(in_key));
+    }
+    return value;
 }
 
 [[noreturn]] void Unsupported(const std::string& in_what)
@@ -90,30 +118,45 @@ TEConnectionTarget TEConnectionTarget::FromConfiguration(const DriverSupport::DS
     target.m_settings.m_httpSettings.m_enableSessionTag = true;
     target.m_settings.AddSessionTagHeader(log);
 
-    const unsigned discovery = Number(in_configuration, DSKeys::ServiceDiscoveryMode);
+    const unsigned discovery = DiscoveryMode(in_configuration);
     if (discovery == 1)
     {
-        Unsupported("service discovery through ZooKeeper");
+#ifdef TARNI_HAVE_ZOOKEEPER
+        // The host list is the ensemble; entries without a port take Port.
+        target.m_zooKeeperDiscovery = true;
+        target.m_zooKeeperEnsemble = TEZooKeeperDiscovery::BuildEnsemble(
+            target.m_settings.m_host, target.m_settings.m_port == 0 ? 2181 : target.m_settings.m_port);
+        target.m_zooKeeperNamespace = Required(in_configuration, DSKeys::ZKNamespace);
+        if (target.m_zooKeeperNamespace.front() != '/')
+        {
+            target.m_zooKeeperNamespace.insert(0, "/");
+        }
+#else
+        Unsupported("service discovery through ZooKeeper, for which this build has no ZooKeeper client");
+#endif
     }
     if (discovery == 2)
     {
         Unsupported("service discovery through AOSS");
     }
 
-    // The first of a comma-separated host list.
-    target.m_host = target.m_settings.m_host.substr(0, target.m_settings.m_host.find(','));
-    while (!target.m_host.empty() && target.m_host.back() == ' ')
+    if (!target.m_zooKeeperDiscovery)
     {
-        target.m_host.pop_back();
-    }
-    if (target.m_host.empty())
-    {
-        throw TEException::WithText(u"TEConnectionTestMissingSetting", "Host");
-    }
-    target.m_port = target.m_settings.m_port;
-    if (target.m_port == 0)
-    {
-        throw TEException::WithText(u"TEConnectionTestMissingSetting", "Port");
+        // The first of a comma-separated host list.
+        target.m_host = target.m_settings.m_host.substr(0, target.m_settings.m_host.find(','));
+        while (!target.m_host.empty() && target.m_host.back() == ' ')
+        {
+            target.m_host.pop_back();
+        }
+        if (target.m_host.empty())
+        {
+            throw TEException::WithText(u"TEConnectionTestMissingSetting", "Host");
+        }
+        target.m_port = target.m_settings.m_port;
+        if (target.m_port == 0)
+        {
+            throw TEException::WithText(u"TEConnectionTestMissingSetting", "Port");
+        }
     }
     target.m_transport = target.m_settings.m_transportMode;
 
@@ -156,11 +199,24 @@ TEConnectionTarget TEConnectionTarget::FromConfiguration(const DriverSupport::DS
         case 11:
         {
             const std::string flow = Utf8Value(in_configuration, DSKeys::Auth_Flow);
+            target.m_authentication = Authentication::BearerToken;
+            if (flow == "1")
+            {
+                target.m_clientCredentials = true;
+                target.m_tokenEndPoint = Required(in_configuration, DSKeys::OAuth2TokenEndPoint);
+                target.m_clientId = Required(in_configuration, DSKeys::Auth_Client_ID);
+                target.m_clientSecret = Required(in_configuration, DSKeys::Auth_Client_Secret);
+                target.m_scope = Utf8Value(in_configuration, DSKeys::Auth_Scope);
+                break;
+            }
+            if (flow == "2")
+            {
+                Unsupported("the browser-based OAuth 2.0 flow (Auth_Flow 2), which opens a browser; not tested here");
+            }
             if (!flow.empty() && flow != "0")
             {
-                Unsupported("an OAuth 2.0 flow other than token pass-through (Auth_Flow " + flow + ")");
+                Unsupported("the OAuth 2.0 flow " + flow + " (Auth_Flow)");
             }
-            target.m_authentication = Authentication::BearerToken;
             target.m_secret = Utf8Value(in_configuration, DSKeys::Auth_AccessToken);
             if (target.m_secret.empty())
             {
@@ -201,8 +257,12 @@ TEConnectionTarget TEConnectionTarget::FromConfiguration(const DriverSupport::DS
     if (log != nullptr)
     {
         static const char* const transports[] = {"binary", "SASL", "HTTP"};
+        const std::string where = target.m_zooKeeperDiscovery
+                                      ? "the servers under " + target.m_zooKeeperNamespace + " on ZooKeeper " +
+                                            target.m_zooKeeperEnsemble
+                                      : target.GetAuthority();
         log->LogInfo(NS, CLS, "FromConfiguration", "Testing %s over %s%s, authentication mechanism %u, limit %d ms.",
-                     target.GetAuthority().c_str(), transports[static_cast<unsigned>(target.m_transport)],
+                     where.c_str(), transports[static_cast<unsigned>(target.m_transport)],
                      target.m_ssl ? " with TLS" : "", target.m_authMech, target.m_timeoutMs);
     }
     return target;

@@ -82,5 +82,21 @@ public:
 
     /// The HTTP proxy; empty for none.
     DriverSupport::DSProxyDescription m_proxy;
+
+    /// With ZooKeeper service discovery the host and port come from the
+    /// servers registered under the namespace node ("/name") on the ensemble
+    /// ("host:port,host:port"); m_host and m_port are then empty.
+    bool m_zooKeeperDiscovery = false;
+    std::string m_zooKeeperEnsemble;
+    std::string m_zooKeeperNamespace;
+
+    /// OAuth 2.0 client credentials: the bearer token (m_secret) is fetched
+    /// from the token end point with the client ID and secret first.
+    bool m_clientCredentials = false;
+    std::string m_tokenEndPoint;
+    std::string m_clientId;
+    /// Never logged.
+    std::string m_clientSecret;
+    std::string m_scope;
 };
 }  // namespace Tarni::ThriftExtension

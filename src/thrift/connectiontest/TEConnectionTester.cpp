@@ -26,6 +26,10 @@
 #include "thrift/connectiontest/TESaslClientTransport.h"
 #include "thrift/connectiontest/TEStepRecorder.h"
 #include "thrift/connectiontest/TETlsSocketFactory.h"
+#include "thrift/connectiontest/TEOAuthTokenRequest.h"
+#ifdef TARNI_HAVE_ZOOKEEPER
+#include "thrift/connectiontest/TEZooKeeperConnector.h"
+#endif
 #include "thrift/TEUtils.h"
 
 namespace Tarni::ThriftExtension
@@ -466,8 +470,23 @@ DriverSupport::IConnectionTester::Outcome TEConnectionTester::TestConnection(
     TEStepRecorder steps(outcome.steps);
     try
     {
-        const TEConnectionTarget target = TEConnectionTarget::FromConfiguration(in_configuration);
-        OpenAndCloseSession(target, steps, io_cancellation, log);
+        TEConnectionTarget target = TEConnectionTarget::FromConfiguration(in_configuration);
+        if (target.m_clientCredentials)
+        {
+            steps.Begin("token");
+            target.m_secret = TEOAuthTokenRequest::Fetch(target, io_cancellation, log);
+            steps.Pass("client credentials of " + target.m_clientId + " at " + target.m_tokenEndPoint);
+        }
+#ifdef TARNI_HAVE_ZOOKEEPER
+        if (target.m_zooKeeperDiscovery)
+        {
+            TEZooKeeperConnector::OpenAndCloseSession(target, steps, outcome.steps, io_cancellation, log);
+        }
+        else
+#endif
+        {
+            OpenAndCloseSession(target, steps, io_cancellation, log);
+        }
         outcome.status = Outcome::Status::Succeeded;
     }
     catch (const Support::ErrorException& e)

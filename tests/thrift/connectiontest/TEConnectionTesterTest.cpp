@@ -450,11 +450,11 @@ TEST_F(ConnectionTest, SettingsThatCannotBeTestedSaySo)
     EXPECT_NE(Text(Run()).find("cannot test a connection that uses the authentication mechanism 13"),
               std::string::npos);
     Target(1, "2", "11");
-    Set(Keys::Auth_Flow, "1");
-    EXPECT_NE(Text(Run()).find("OAuth 2.0 flow other than token pass-through"), std::string::npos);
+    Set(Keys::Auth_Flow, "2");
+    EXPECT_NE(Text(Run()).find("which opens a browser; not tested here"), std::string::npos);
     Target(1, "1", "3");
-    Set(Keys::ServiceDiscoveryMode, "1");
-    EXPECT_NE(Text(Run()).find("service discovery through ZooKeeper"), std::string::npos);
+    Set(Keys::ServiceDiscoveryMode, "AOSS");
+    EXPECT_NE(Text(Run()).find("service discovery through AOSS"), std::string::npos);
     Set(Keys::ServiceDiscoveryMode, "0");
     Set(Keys::Host, "");
     EXPECT_NE(Text(Run()).find("the setting Host is empty"), std::string::npos);
