@@ -6,7 +6,7 @@
 set -euo pipefail
 objdump=$1 dll=$2
 system="kernel32 user32 gdi32 advapi32 comctl32 comdlg32 shell32 shlwapi ole32 oleaut32 uxtheme
-        ws2_32 crypt32 bcrypt secur32 odbccp32 msvcrt ucrtbase"
+        ws2_32 crypt32 bcrypt secur32 winhttp iphlpapi userenv version rpcrt4 odbccp32 msvcrt ucrtbase"
 imports=$("$objdump" -p "$dll" | awk '/DLL Name:/ {print tolower($3)}' | sort -u)
 [ -n "$imports" ] || { echo "no import table read from $dll" >&2; exit 1; }
 status=0

@@ -427,6 +427,30 @@ TEST_F(ConnectionTest, CertificatesAreJudgedByTheSslOptions)
     }
 }
 
+TEST_F(ConnectionTest, TrustComesFromTheFileOrTheSystemStore)
+{
+    TestTCLIServer server(Server(TestTCLIServer::Mode::Binary, "server"));
+    {
+        SCOPED_TRACE("the system store, which does not know the throw-away CA, wins over the file");
+        Target(server.Port(), "0", "3");
+        UseTls(Cert("ca.pem"));
+        Set(Keys::UseSystemTrustStore, "1");
+        const auto outcome = Run();
+        EXPECT_NE(Text(outcome).find("was not accepted: unable to get local issuer certificate"), std::string::npos)
+            << Text(outcome);
+    }
+    {
+        SCOPED_TRACE("an unreadable file is named");
+        Target(server.Port(), "0", "3");
+        UseTls(Cert("no-such-file.pem"));
+        Set(Keys::UseSystemTrustStore, "0");
+        const auto outcome = Run();
+        EXPECT_EQ(outcome.status, Status::Failed);
+        EXPECT_NE(Text(outcome).find("no-such-file.pem\" (TrustedCerts) cannot be read"), std::string::npos)
+            << Text(outcome);
+    }
+}
+
 TEST_F(ConnectionTest, TlsBelowTheMinimumIsRefused)
 {
     auto options = Server(TestTCLIServer::Mode::Binary, "server");
