@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include "dialogs/driversupport/DSTestResultDialog.h"
 #include "dialogs/framework/DSDialogModule.h"
 #include "dialogs/product/QuillConfigurationDialog.h"
 #include "driversupport/DSUidPwdConfiguration.h"
@@ -96,5 +97,34 @@ TEST_F(ConnectionTestWin32Test, TestReportsTheServersAnswer)
                                   L" refused the user name or password: Error validating the login";
     EXPECT_EQ(refused.rfind(expected, 0), 0u) << std::string(refused.begin(), refused.end());
     EXPECT_EQ(refused.find(L"wrong-pw"), std::wstring::npos);
+}
+
+// Records the cursor of the dialog's thread while the attempt runs.
+class CursorRecordingTester : public DriverSupport::IConnectionTester
+{
+public:
+    Outcome TestConnection(const DriverSupport::DSDSNConfiguration&) override
+    {
+        m_cursor = ::GetCursor();
+        return Outcome{Outcome::Status::Succeeded, u""};
+    }
+    HCURSOR m_cursor = nullptr;
+};
+
+TEST_F(ConnectionTestWin32Test, TheWaitCursorShowsWhileTheAttemptRuns)
+{
+    ::SetCursor(::LoadCursorW(nullptr, IDC_ARROW));
+    CursorRecordingTester tester;
+    DriverSupport::DSTestResultDialog::Input input{&m_configuration, &tester};
+    GuiDriver::WhileModal(
+        [&] {
+            if (HWND results = GuiDriver::WaitForDialog(L"Test Results", ::GetCurrentProcessId(),
+                                                        std::chrono::seconds(20)))
+            {
+                GuiDriver::Click(results, IDOK);
+            }
+        },
+        [&] { return DriverSupport::DSTestResultDialog::Show(nullptr, &input); });
+    EXPECT_EQ(tester.m_cursor, ::LoadCursorW(nullptr, IDC_WAIT));
 }
 }  // namespace
