@@ -103,10 +103,12 @@ TEST_F(ConnectionTestWin32Test, TestReportsTheServersAnswer)
 class CursorRecordingTester : public DriverSupport::IConnectionTester
 {
 public:
-    Outcome TestConnection(const DriverSupport::DSDSNConfiguration&) override
+    Outcome TestConnection(const DriverSupport::DSDSNConfiguration&, DriverSupport::DSCancellation&) override
     {
         m_cursor = ::GetCursor();
-        return Outcome{Outcome::Status::Succeeded, u""};
+        Outcome outcome;
+        outcome.status = Outcome::Status::Succeeded;
+        return outcome;
     }
     HCURSOR m_cursor = nullptr;
 };
