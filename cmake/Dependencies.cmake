@@ -24,7 +24,8 @@ if(WIN32)
   endif()
   # tarni_cross_prefix(<var> <name>): the newest complete cross build of <name>.
   function(tarni_cross_prefix out name)
-    file(GLOB candidates LIST_DIRECTORIES true "${TARNI_CROSS_CACHE}/${name}-*")
+    # A version starts with a digit: openssl-* must not match openssl-static-*.
+    file(GLOB candidates LIST_DIRECTORIES true "${TARNI_CROSS_CACHE}/${name}-[0-9]*")
     list(SORT candidates COMPARE NATURAL ORDER DESCENDING)
     foreach(dir IN LISTS candidates)
       if(EXISTS "${dir}/.complete")
@@ -54,38 +55,47 @@ if(WIN32)
     INTERFACE_INCLUDE_DIRECTORIES ${TARNI_EXPAT_PREFIX}/include
     INTERFACE_COMPILE_DEFINITIONS XML_STATIC)
 
-  # OpenSSL: libcrypto is loaded at run time, so only its DLLs are needed,
-  # beside the programs and the tests; libssl serves Apache Thrift's TLS.
+  # OpenSSL: libcrypto is loaded at run time by the programs (its DLLs beside
+  # them and the tests); the connection test links the static libraries, so
+  # that the setup DLL imports system DLLs only.
   if(NOT TARNI_OPENSSL_PREFIX)
-    tarni_cross_prefix(TARNI_OPENSSL_PREFIX openssl)
+    tarni_cross_prefix(TARNI_OPENSSL_PREFIX openssl-static)
   endif()
-  if(TARNI_OPENSSL_PREFIX AND EXISTS "${TARNI_OPENSSL_PREFIX}/bin/libcrypto-3-x64.dll")
+  if(TARNI_OPENSSL_PREFIX AND EXISTS "${TARNI_OPENSSL_PREFIX}/bin/libcrypto-3-x64.dll"
+     AND EXISTS "${TARNI_OPENSSL_PREFIX}/lib/libssl.a")
     message(STATUS "OpenSSL for the cross target: ${TARNI_OPENSSL_PREFIX}")
     file(GLOB TARNI_OPENSSL_DLLS "${TARNI_OPENSSL_PREFIX}/bin/*.dll")
     file(COPY ${TARNI_OPENSSL_DLLS} DESTINATION ${CMAKE_BINARY_DIR}/bin)
-    add_library(tarni_openssl_ssl SHARED IMPORTED)
-    set_target_properties(tarni_openssl_ssl PROPERTIES
-      IMPORTED_IMPLIB "${TARNI_OPENSSL_PREFIX}/lib/libssl.dll.a"
-      IMPORTED_LOCATION "${TARNI_OPENSSL_PREFIX}/bin/libssl-3-x64.dll"
-      INTERFACE_INCLUDE_DIRECTORIES "${TARNI_OPENSSL_PREFIX}/include")
     add_library(tarni_openssl_crypto SHARED IMPORTED)
     set_target_properties(tarni_openssl_crypto PROPERTIES
       IMPORTED_IMPLIB "${TARNI_OPENSSL_PREFIX}/lib/libcrypto.dll.a"
       IMPORTED_LOCATION "${TARNI_OPENSSL_PREFIX}/bin/libcrypto-3-x64.dll"
       INTERFACE_INCLUDE_DIRECTORIES "${TARNI_OPENSSL_PREFIX}/include")
+    # What static OpenSSL needs from Windows: sockets, the certificate store,
+    # the registry and the random generator.
+    add_library(tarni_openssl_crypto_static STATIC IMPORTED)
+    set_target_properties(tarni_openssl_crypto_static PROPERTIES
+      IMPORTED_LOCATION "${TARNI_OPENSSL_PREFIX}/lib/libcrypto.a"
+      INTERFACE_INCLUDE_DIRECTORIES "${TARNI_OPENSSL_PREFIX}/include"
+      INTERFACE_LINK_LIBRARIES "ws2_32;crypt32;user32;advapi32;gdi32;bcrypt")
+    add_library(tarni_openssl_ssl_static STATIC IMPORTED)
+    set_target_properties(tarni_openssl_ssl_static PROPERTIES
+      IMPORTED_LOCATION "${TARNI_OPENSSL_PREFIX}/lib/libssl.a"
+      INTERFACE_INCLUDE_DIRECTORIES "${TARNI_OPENSSL_PREFIX}/include"
+      INTERFACE_LINK_LIBRARIES tarni_openssl_crypto_static)
   else()
     message(STATUS "OpenSSL for the cross target not found; run scripts/build-openssl-mingw.sh")
   endif()
 
   # Apache Thrift: found here for src/thrift, which looks for it by these names.
   tarni_cross_prefix(thrift_prefix thrift)
-  if(thrift_prefix AND TARGET tarni_openssl_ssl)
+  if(thrift_prefix AND TARGET tarni_openssl_ssl_static)
     find_path(TARNI_THRIFT_INCLUDE_DIR thrift/transport/TTransportException.h
       PATHS ${thrift_prefix}/include NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH NO_CACHE)
     find_library(TARNI_THRIFT_LIBRARY NAMES libthrift.a libthriftMD.a
       PATHS ${thrift_prefix}/lib NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH NO_CACHE)
     # What the static library needs from the system and from OpenSSL.
-    set(TARNI_THRIFT_DEPENDENCIES tarni_openssl_ssl tarni_openssl_crypto ws2_32 crypt32)
+    set(TARNI_THRIFT_DEPENDENCIES tarni_openssl_ssl_static ws2_32 crypt32)
   endif()
 else()
   find_package(ICU 70 REQUIRED COMPONENTS uc i18n)

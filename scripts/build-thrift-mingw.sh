@@ -9,7 +9,7 @@ set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 bash "$here/build-openssl-mingw.sh"
 source "$here/cross-common.sh"
-openssl=$(tarni_cross_cached openssl)
+openssl=$(tarni_cross_cached openssl-static)
 if tarni_cross_prepare thrift thrift; then
   echo "build-thrift-mingw: reusing $tarni_cross_prefix ($(tarni_cross_elapsed))"
   exit 0

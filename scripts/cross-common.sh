@@ -79,7 +79,8 @@ tarni_cross_prepare() {
 # Prints the newest complete cache folder of NAME (empty when there is none).
 tarni_cross_cached() {
   local d
-  for d in $(ls -d "$tarni_cross_root/$1"-* 2>/dev/null | sort -Vr); do
+  # A version starts with a digit: openssl-* must not match openssl-static-*.
+  for d in $(ls -d "$tarni_cross_root/$1"-[0-9]* 2>/dev/null | sort -Vr); do
     [ -f "$d/.complete" ] && { echo "$d"; return 0; }
   done
 }

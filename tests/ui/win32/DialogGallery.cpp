@@ -19,6 +19,7 @@
 #include "dialogs/driversupport/DSPasswordOptionsDialog.h"
 #include "dialogs/product/QuillAdvancedOptionsDialog.h"
 #include "dialogs/driversupport/DSProxyConfigurationDialog.h"
+#include "dialogs/driversupport/DSTestResultDialog.h"
 #include "dialogs/driversupport/DSSSLDialog.h"
 #include "dialogs/product/QuillAOSSDialog.h"
 #include "dialogs/product/QuillConfigurationDialog.h"
@@ -35,6 +36,11 @@
 #include "product/QuillConfiguration.h"
 #include "product/SOProductIdentity.h"
 #include "resource.h"
+#ifdef TARNI_GALLERY_TEST_SERVER
+#include "support/StringConverter.h"
+#include "thrift/connectiontest/TEConnectionTester.h"
+#include "thrift/connectiontest/server/TestTCLIServer.h"
+#endif
 
 using namespace Tarni;
 using namespace Tarni::Platform;
@@ -222,6 +228,30 @@ int main(int argc, char** argv)
             case IDD_LOGGING_OPTIONS:
                 DriverSupport::DSLoggingDialog::Show(nullptr, &configuration);
                 break;
+#ifdef TARNI_GALLERY_TEST_SERVER
+            case IDD_TEST_RESULTS:
+            {
+                // A real result: a session with the project's test server.
+                Testing::TestTCLIServer::Options options;
+                options.mode = Testing::TestTCLIServer::Mode::Sasl;
+                options.user = "alice";
+                options.password = "gallery-pw";
+                Testing::TestTCLIServer server(options);
+                SparkODBC::QuillConfiguration target(u"Sales", 0, nullptr);
+                target.LoadDefaults();
+                target.SetValue(DriverSupport::Keys::Host, u"127.0.0.1");
+                target.SetValue(DriverSupport::Keys::Port,
+                                Support::StringConverter::FromUtf8(std::to_string(server.Port())));
+                target.SetValue(DriverSupport::Keys::ThriftTransport, u"1");
+                target.SetValue(DriverSupport::Keys::AuthMech, u"3");
+                target.SetValue(DriverSupport::Keys::UID, u"alice");
+                target.SetValue(DriverSupport::Keys::PWD, u"gallery-pw");
+                ThriftExtension::TEConnectionTester tester;
+                DriverSupport::DSTestResultDialog::Input input{&target, &tester};
+                DriverSupport::DSTestResultDialog::Show(nullptr, &input);
+                break;
+            }
+#endif
             default:
                 host.DialogBoxParam(id, nullptr, &Plain, 0);
                 break;
