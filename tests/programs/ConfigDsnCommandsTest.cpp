@@ -210,4 +210,7 @@ TEST_F(DsnCommands, NamesAndValuesBeyondAsciiAreStoredAsUtf8AndReadBackUnchanged
     EXPECT_EQ(value + "\n", m_out.str());
     ASSERT_EQ(0, Run({"dsn", "list"}));
     EXPECT_EQ(name + "\tTarni Spark ODBC Driver\n", m_out.str());
+    // Read back unchanged, the same value is no change.
+    ASSERT_EQ(0, Run({"--dsn", name, "set", "DESCRIPTION=" + value})) << m_err.str();
+    EXPECT_EQ("unchanged\n", m_out.str());
 }
