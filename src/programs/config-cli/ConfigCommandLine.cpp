@@ -81,9 +81,12 @@ const char* ConfigCommandLine::UsageText()
            "  import FILE           replace the settings with those of FILE (- for standard\n"
            "                        input); settings it does not name return to their\n"
            "                        defaults, logging settings stay as they are\n"
-           "  test [KEY=VALUE...]   open a session on the server with the settings (and\n"
+           "  test [--verbose] [KEY=VALUE...]\n"
+           "                        open a session on the server with the settings (and\n"
            "                        the given changes, which are not saved); prints the\n"
            "                        result, exit 0 when the session opened, 1 when not\n"
+           "                        (or on Ctrl-C); --verbose adds each step with its\n"
+           "                        time, --json prints one object with the steps\n"
            "  diff FILE             print what import FILE would change, key by key:\n"
            "                        + added, - removed, ~ changed (secrets by name only)\n"
            "\n"
@@ -270,13 +273,18 @@ int ConfigCommandLine::ParseAndRun(const std::vector<tarni_wstring>& in_argument
         }
     }
     // Data sources: edited through the installer by their own commands.
-    if ((name == u"dsn" || m_options.dsnName) && (m_options.json || m_options.check))
+    if ((name == u"dsn" || m_options.dsnName) && (m_options.json || m_options.check) &&
+        !(name == u"test" && !m_options.check))
     {
         return Usage("--json and --check apply to the driver-wide settings, not to data sources");
     }
     if (name == u"dsn" && !m_options.dsnName)
     {
         return ConfigDsnCommands(m_in, m_out, m_err).RunDsnCommand(m_options.iniPath, m_options.systemDsn, operands);
+    }
+    if (m_options.dsnName && m_options.json)
+    {
+        operands.push_back(u"--json");  // test's own option
     }
     if (m_options.dsnName)
     {
@@ -578,11 +586,12 @@ int ConfigCommandLine::SetSecret(QDCConfiguration& io_config, const Operands& in
 
 int ConfigCommandLine::Test(QDCConfiguration& io_config, const Operands& in_operands)
 {
+    Operands operands = in_operands;
     if (m_options.json)
     {
-        return Usage("test prints the Test Results report; --json does not apply to it");
+        operands.push_back(u"--json");
     }
     return ConfigTestCommand(m_out, Err(), ThriftExtension::TEConnectionTesterFactory::GetDefault())
-        .Run(io_config, in_operands);
+        .Run(io_config, operands);
 }
 }  // namespace Tarni::SparkODBC

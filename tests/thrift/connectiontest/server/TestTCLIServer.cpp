@@ -123,6 +123,7 @@ TestTCLIServer::TestTCLIServer(Options in_options)
 {
     // A client that gives up mid-reply must not end the test program.
     std::signal(SIGPIPE, SIG_IGN);
+    m_handler->SetRefuseGetInfo(m_options.refuseGetInfo);
     m_handler->SetCheckRequestCredentials(m_options.mode == Mode::Binary && !m_options.user.empty());
     if (m_options.certificateFile.empty())
     {
