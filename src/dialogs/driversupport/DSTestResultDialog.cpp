@@ -116,7 +116,8 @@ void DSTestResultDialog::DoTimerAction(IDialogWindow* in_window)
         logger->LogInfo(NS, CLS, "DoTimerAction", "Connection test %s.", status);
     }
     const auto load = [](unsigned in_id) { return LoadResourceString(in_id); };
-    AppendEditText(in_window, IDC_TEST_RESULTS_TEXT, FormatReport(outcome, load) + FormatSteps(outcome, load));
+    // Set rather than appended: the field shows the report's first line.
+    in_window->SetItemText(IDC_TEST_RESULTS_TEXT, FormatReport(outcome, load) + FormatSteps(outcome, load));
     in_window->SetItemText(IDOK, LoadResourceString(IDS_OK));
     in_window->EnableItem(IDOK, true);
 }

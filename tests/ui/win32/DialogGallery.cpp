@@ -20,6 +20,7 @@
 #include "dialogs/product/QuillAdvancedOptionsDialog.h"
 #include "dialogs/driversupport/DSProxyConfigurationDialog.h"
 #include "dialogs/driversupport/DSSSLDialog.h"
+#include "dialogs/driversupport/DSTestResultDialog.h"
 #include "dialogs/product/QuillAOSSDialog.h"
 #include "dialogs/product/QuillConfigurationDialog.h"
 #include "dialogs/product/QuillServerSidePropertiesDialog.h"
@@ -57,6 +58,32 @@ std::intptr_t Plain(IDialogWindow* in_window, std::uint32_t in_message, std::uin
     }
     return 0;
 }
+// The outcome of an attempt over TLS, as the Test Results picture shows it.
+class PictureTester : public DriverSupport::IConnectionTester
+{
+public:
+    using IConnectionTester::TestConnection;
+    Outcome TestConnection(const DriverSupport::DSDSNConfiguration&, DriverSupport::DSCancellation&) override
+    {
+        using Step = DriverSupport::DSTestStep;
+        Outcome outcome;
+        outcome.status = Outcome::Status::Succeeded;
+        outcome.odbcVersion = u"03.80";
+        outcome.steps = {
+            {"resolve", Step::Status::Passed, u"spark.example.com: 10.20.0.7:10001", 4},
+            {"connect", Step::Status::Passed, u"10.20.0.7:10001", 2},
+            {"tls", Step::Status::Passed,
+             u"TLSv1.3, TLS_AES_256_GCM_SHA384; server certificate CN=spark.example.com, issued by CN=Example CA; "
+             u"verified",
+             18},
+            {"authentication", Step::Status::Passed, u"HTTP Basic as alice", 41},
+            {"open-session", Step::Status::Passed, u"protocol version 9", 0},
+            {"server-info", Step::Status::Passed, u"Spark SQL 3.5.1", 6},
+            {"close-session", Step::Status::Passed, u"", 3},
+        };
+        return outcome;
+    }
+};
 }  // namespace
 
 int main(int argc, char** argv)
@@ -222,6 +249,13 @@ int main(int argc, char** argv)
             case IDD_LOGGING_OPTIONS:
                 DriverSupport::DSLoggingDialog::Show(nullptr, &configuration);
                 break;
+            case IDD_TEST_RESULTS:
+            {
+                PictureTester tester;
+                DriverSupport::DSTestResultDialog::Input input{&configuration, &tester};
+                DriverSupport::DSTestResultDialog::Show(nullptr, &input);
+                break;
+            }
             default:
                 host.DialogBoxParam(id, nullptr, &Plain, 0);
                 break;
