@@ -598,26 +598,3 @@ TEST_F(ConnectionTest, CancelStopsAWaitingTestWithinASecond)
         EXPECT_EQ(outcome.steps.back().status, Tarni::DriverSupport::DSTestStep::Status::Failed);
     }
 }
-
-TEST_F(ConnectionTest, CancelStopsAConnectThatGetsNoAnswer)
-{
-    // 192.0.2.0/24 is reserved for documentation: a connect there hangs
-    // until the limit (or fails at once on a machine without a route).
-    Target(9, "1", "3");
-    Set(Keys::Host, "192.0.2.1");
-    Set(Keys::ConnectionTestTimeout, "30");
-    Tarni::DriverSupport::DSCancellation cancellation;
-    std::thread canceller([&cancellation] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(300));
-        cancellation.Cancel();
-    });
-    const auto start = std::chrono::steady_clock::now();
-    const auto outcome = Run(cancellation);
-    canceller.join();
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(3));
-    if (Steps(outcome) == "resolve:passed connect:failed" && Text(outcome) != "The test was cancelled.")
-    {
-        GTEST_SKIP() << "no route to 192.0.2.1 here: " << Text(outcome);
-    }
-    EXPECT_EQ(Text(outcome), "The test was cancelled.");
-}
