@@ -218,6 +218,9 @@ void TcpConnector::Shutdown(std::intptr_t in_socket)
     if (in_socket != static_cast<std::intptr_t>(INVALID_SOCKET) && in_socket >= 0)
     {
         ::shutdown(static_cast<SOCKET>(in_socket), SD_BOTH);
+        // A blocking recv or send in another thread is not woken by shutdown
+        // alone on every Windows version; cancelling its I/O ends it.
+        ::CancelIoEx(reinterpret_cast<HANDLE>(in_socket), nullptr);
     }
 }
 
