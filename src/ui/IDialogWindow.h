@@ -38,6 +38,13 @@ public:
     virtual void MoveWindow(int in_x, int in_y, int in_width, int in_height, bool in_repaint) = 0;
     /// Ends the modal run; the host's DialogBoxParam returns in_result.
     virtual void EndDialog(std::intptr_t in_result) = 0;
+    /// Starts (or restarts) a timer: the dialog procedure gets WM_TIMER with
+    /// in_timerId as the word parameter about every in_intervalMs
+    /// milliseconds, on the dialog's own thread, until KillTimer. While a
+    /// timer runs, a wait cursor (or activity line) set for the dialog stays.
+    virtual void SetTimer(unsigned in_timerId, unsigned in_intervalMs) = 0;
+    virtual void KillTimer(unsigned in_timerId) = 0;
+
     /// Named window properties (SetPropW / GetPropW); null when not set.
     virtual void SetProperty(tarni_wstring_view in_name, void* in_value) = 0;
     virtual void* GetProperty(tarni_wstring_view in_name) = 0;

@@ -1,5 +1,8 @@
 #include "dialogs/driversupport/DSTestResultDialog.h"
 
+#include <memory>
+
+#include "dialogs/driversupport/DSTestRun.h"
 #include "driversupport/DSProductHelper.h"
 #include "driversupport/DSUnavailableConnectionTester.h"
 #include "resource.h"
@@ -13,10 +16,40 @@ namespace
 const char* const NS = "Tarni::DriverSupport";
 const char* const CLS = "DSTestResultDialog";
 
+const char16_t* const RUN_PROPERTY = u"TarniTestRun";
+constexpr unsigned POLL_TIMER = 1;
+
 Support::ILogger* LoggerOf(IDialogWindow* in_window)
 {
     auto* input = DSBaseDialog::GetInputMap<DSTestResultDialog::Input>(in_window);
     return input != nullptr && input->configuration != nullptr ? input->configuration->GetLog() : nullptr;
+}
+
+DSTestRun* RunOf(IDialogWindow* in_window)
+{
+    return static_cast<DSTestRun*>(in_window->GetProperty(RUN_PROPERTY));
+}
+
+// Takes the running attempt from the window; the caller owns it.
+std::unique_ptr<DSTestRun> TakeRun(IDialogWindow* in_window)
+{
+    std::unique_ptr<DSTestRun> run(RunOf(in_window));
+    in_window->SetProperty(RUN_PROPERTY, nullptr);
+    if (run)
+    {
+        in_window->KillTimer(POLL_TIMER);
+    }
+    return run;
+}
+
+tarni_wstring Replace(tarni_wstring in_text, tarni_wstring_view in_marker, const tarni_wstring& in_value)
+{
+    const std::size_t at = in_text.find(in_marker);
+    if (at != tarni_wstring::npos)
+    {
+        in_text.replace(at, in_marker.size(), in_value);
+    }
+    return in_text;
 }
 }  // namespace
 
@@ -32,7 +65,14 @@ std::intptr_t DSTestResultDialog::ActionProc(IDialogWindow* in_window, std::uint
     switch (in_message)
     {
         case WM_DESTROY:
+            // Closed while the attempt runs: stop it and wait for its thread.
+            TakeRun(in_window);
+            return 1;
         case WM_NCDESTROY:
+            return 1;
+        case WM_TIMER:
+            // Not guarded: an error of the attempt goes to the caller (see Show).
+            DoTimerAction(in_window);
             return 1;
         case WM_INITDIALOG:
             // Not guarded: an error of the attempt goes to the caller (see Show).
@@ -53,15 +93,33 @@ void DSTestResultDialog::Initialize(IDialogWindow* in_window, Input* in_input)
     SetWaitCursor(LoadResourceString(IDS_TEST_CONNECTING));
     IConnectionTester& tester =
         in_input->tester != nullptr ? *in_input->tester : DSUnavailableConnectionTester::Instance();
-    const IConnectionTester::Outcome outcome = tester.TestConnection(*in_input->configuration);
-    if (Support::ILogger* logger = in_input->configuration->GetLog())
+    in_window->SetItemText(IDOK, LoadResourceString(IDS_CANCEL));
+    in_window->SetProperty(RUN_PROPERTY, new DSTestRun(tester, *in_input->configuration));
+    in_window->SetTimer(POLL_TIMER, POLL_INTERVAL_MS);
+}
+
+void DSTestResultDialog::DoTimerAction(IDialogWindow* in_window)
+{
+    DSTestRun* running = RunOf(in_window);
+    if (running == nullptr || !running->IsFinished())
     {
-        const char* status = outcome.status == IConnectionTester::Outcome::Status::Succeeded ? "succeeded"
-                             : outcome.status == IConnectionTester::Outcome::Status::Failed  ? "failed"
-                                                                                             : "is not available";
-        logger->LogInfo(NS, CLS, "Initialize", "Connection test %s.", status);
+        return;
     }
-    AppendEditText(in_window, IDC_TEST_RESULTS_TEXT, FormatReport(outcome));
+    const std::unique_ptr<DSTestRun> run = TakeRun(in_window);
+    const IConnectionTester::Outcome outcome = run->TakeOutcome();
+    if (Support::ILogger* logger = LoggerOf(in_window))
+    {
+        const char* status = run->IsCancelled()                                               ? "was cancelled"
+                             : outcome.status == IConnectionTester::Outcome::Status::Succeeded ? "succeeded"
+                             : outcome.status == IConnectionTester::Outcome::Status::Failed    ? "failed"
+                                                                                               : "is not available";
+        logger->LogInfo(NS, CLS, "DoTimerAction", "Connection test %s.", status);
+    }
+    const auto load = [](unsigned in_id) { return LoadResourceString(in_id); };
+    // Set rather than appended: the field shows the report's first line.
+    in_window->SetItemText(IDC_TEST_RESULTS_TEXT, FormatReport(outcome, load) + FormatSteps(outcome, load));
+    in_window->SetItemText(IDOK, LoadResourceString(IDS_OK));
+    in_window->EnableItem(IDOK, true);
 }
 
 tarni_wstring DSTestResultDialog::FormatReport(const IConnectionTester::Outcome& in_outcome)
@@ -101,12 +159,85 @@ tarni_wstring DSTestResultDialog::FormatReport(const IConnectionTester::Outcome&
 void DSTestResultDialog::DoOkAction(IDialogWindow* in_window)
 {
     TARNI_LOG_ENTRY(LoggerOf(in_window), NS, CLS, "DoOkAction");
+    if (DSTestRun* run = RunOf(in_window))
+    {
+        // The button says Cancel while the attempt runs: stop it, and show
+        // what it got to once it has stopped.
+        run->Cancel();
+        in_window->EnableItem(IDOK, false);
+        SetWaitCursor(LoadResourceString(IDS_TEST_CANCELLING));
+        return;
+    }
     in_window->EndDialog(1);
 }
 
 void DSTestResultDialog::DoCancelAction(IDialogWindow* in_window)
 {
     TARNI_LOG_ENTRY(LoggerOf(in_window), NS, CLS, "DoCancelAction");
+    // Escape or the close box: an attempt still running stops (its thread
+    // ends within a second) before the dialog closes.
+    TakeRun(in_window);
     in_window->EndDialog(0);
+}
+
+tarni_wstring DSTestResultDialog::FormatSteps(const IConnectionTester::Outcome& in_outcome,
+                                              const std::function<tarni_wstring(unsigned)>& in_loadString)
+{
+    if (in_outcome.steps.empty())
+    {
+        return {};
+    }
+    tarni_wstring text = in_loadString(IDS_TEST_STEPS);
+    const tarni_wstring format = in_loadString(IDS_TEST_STEP_LINE);
+    for (const DSTestStep& step : in_outcome.steps)
+    {
+        tarni_wstring line = Replace(format, u"%1", in_loadString(StepNameId(step.id)));
+        line = Replace(line, u"%2", in_loadString(StepStatusId(step.status)));
+        const std::string ms = std::to_string(step.durationMs);
+        line = Replace(line, u"%3", tarni_wstring(ms.begin(), ms.end()));
+        if (!step.detail.empty())
+        {
+            line += u": " + step.detail;
+        }
+        text += line;
+    }
+    return text;
+}
+
+unsigned DSTestResultDialog::StepNameId(const std::string& in_stepId)
+{
+    static const std::pair<const char*, unsigned> NAMES[] = {
+        {"resolve", IDS_TEST_STEP_RESOLVE},
+        {"connect", IDS_TEST_STEP_CONNECT},
+        {"tls", IDS_TEST_STEP_TLS},
+        {"discovery", IDS_TEST_STEP_DISCOVERY},
+        {"token", IDS_TEST_STEP_TOKEN},
+        {"authentication", IDS_TEST_STEP_AUTHENTICATION},
+        {"open-session", IDS_TEST_STEP_OPEN_SESSION},
+        {"server-info", IDS_TEST_STEP_SERVER_INFO},
+        {"close-session", IDS_TEST_STEP_CLOSE_SESSION},
+    };
+    for (const auto& [id, stringId] : NAMES)
+    {
+        if (in_stepId == id)
+        {
+            return stringId;
+        }
+    }
+    return IDS_TEST_STEP_OTHER;
+}
+
+unsigned DSTestResultDialog::StepStatusId(DSTestStep::Status in_status)
+{
+    switch (in_status)
+    {
+        case DSTestStep::Status::Passed:
+            return IDS_TEST_STEP_PASSED;
+        case DSTestStep::Status::Failed:
+            return IDS_TEST_STEP_FAILED;
+        case DSTestStep::Status::Running:
+            break;
+    }
+    return IDS_TEST_STEP_STOPPED;
 }
 }  // namespace Tarni::DriverSupport

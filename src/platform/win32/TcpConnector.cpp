@@ -1,5 +1,7 @@
 #include "platform/TcpConnector.h"
 
+#include <algorithm>
+#include <chrono>
 #include <mutex>
 
 #include <winsock2.h>
@@ -55,10 +57,108 @@ TcpConnector::Failure FailureOf(int in_code)
     }
 }
 
-TcpConnector::Result ConnectOne(const addrinfo& in_address, int in_timeoutMs)
+// Waits for the non-blocking connect in slices of 100 ms so that a stop
+// request is seen quickly. Returns 0 or the Winsock error of the failure.
+int WaitForConnect(SOCKET in_socket, int in_timeoutMs, const TcpConnector::StopRequested& in_stop)
 {
-    TcpConnector::Result result;
-    SOCKET socket = ::socket(in_address.ai_family, in_address.ai_socktype, in_address.ai_protocol);
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(in_timeoutMs);
+    for (;;)
+    {
+        if (in_stop && in_stop())
+        {
+            return WSAEINTR;
+        }
+        long long slice = 100;
+        if (in_timeoutMs > 0)
+        {
+            const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
+                                  deadline - std::chrono::steady_clock::now())
+                                  .count();
+            if (left <= 0)
+            {
+                return WSAETIMEDOUT;
+            }
+            slice = std::min<long long>(left, slice);
+        }
+        fd_set writable;
+        fd_set failed;
+        FD_ZERO(&writable);
+        FD_ZERO(&failed);
+        FD_SET(in_socket, &writable);
+        FD_SET(in_socket, &failed);
+        timeval limit{0, static_cast<long>(slice * 1000)};
+        const int ready = ::select(0, nullptr, &writable, &failed, &limit);
+        if (ready == SOCKET_ERROR)
+        {
+            return ::WSAGetLastError();
+        }
+        if (ready > 0)
+        {
+            int error = 0;
+            int length = sizeof(error);
+            if (::getsockopt(in_socket, SOL_SOCKET, SO_ERROR, reinterpret_cast<char*>(&error), &length) != 0)
+            {
+                error = ::WSAGetLastError();
+            }
+            return error;
+        }
+    }
+}
+
+std::string AddressText(const sockaddr* in_address, std::size_t in_length)
+{
+    char host[NI_MAXHOST] = "";
+    char service[NI_MAXSERV] = "";
+    if (::getnameinfo(in_address, static_cast<socklen_t>(in_length), host, sizeof(host), service, sizeof(service),
+                      NI_NUMERICHOST | NI_NUMERICSERV) != 0)
+    {
+        return "?";
+    }
+    const std::string text(host);
+    return (text.find(':') != std::string::npos ? "[" + text + "]" : text) + ":" + service;
+}
+}  // namespace
+
+TcpConnector::Resolution TcpConnector::Resolve(const std::string& in_host, std::uint16_t in_port)
+{
+    StartWinsock();
+    Resolution resolution;
+    addrinfo hints{};
+    hints.ai_family = AF_UNSPEC;
+    hints.ai_socktype = SOCK_STREAM;
+    hints.ai_protocol = IPPROTO_TCP;
+    addrinfo* addresses = nullptr;
+    const std::string service = std::to_string(in_port);
+    const int resolved = ::getaddrinfo(in_host.c_str(), service.c_str(), &hints, &addresses);
+    if (resolved != 0)
+    {
+        resolution.failure = resolved == WSAHOST_NOT_FOUND || resolved == WSANO_DATA ? Failure::HostNotFound
+                                                                                     : Failure::Other;
+        resolution.detail = ErrorText(resolved);
+        return resolution;
+    }
+    for (const addrinfo* entry = addresses; entry != nullptr; entry = entry->ai_next)
+    {
+        Address address;
+        address.text = AddressText(entry->ai_addr, entry->ai_addrlen);
+        address.family = entry->ai_family;
+        address.socketType = entry->ai_socktype;
+        address.protocol = entry->ai_protocol;
+        const auto* bytes = reinterpret_cast<const std::uint8_t*>(entry->ai_addr);
+        address.raw.assign(bytes, bytes + entry->ai_addrlen);
+        resolution.addresses.push_back(std::move(address));
+    }
+    ::freeaddrinfo(addresses);
+    resolution.failure = Failure::None;
+    return resolution;
+}
+
+TcpConnector::Result TcpConnector::ConnectTo(const Address& in_address, int in_timeoutMs, const StopRequested& in_stop)
+{
+    StartWinsock();
+    Result result;
+    result.address = in_address.text;
+    SOCKET socket = ::socket(in_address.family, in_address.socketType, in_address.protocol);
     if (socket == INVALID_SOCKET)
     {
         const int code = ::WSAGetLastError();
@@ -69,36 +169,13 @@ TcpConnector::Result ConnectOne(const addrinfo& in_address, int in_timeoutMs)
     u_long nonBlocking = 1;
     ::ioctlsocket(socket, FIONBIO, &nonBlocking);
     int error = 0;
-    if (::connect(socket, in_address.ai_addr, static_cast<int>(in_address.ai_addrlen)) != 0)
+    if (::connect(socket, reinterpret_cast<const sockaddr*>(in_address.raw.data()),
+                  static_cast<int>(in_address.raw.size())) != 0)
     {
         error = ::WSAGetLastError();
         if (error == WSAEWOULDBLOCK)
         {
-            fd_set writable;
-            fd_set failed;
-            FD_ZERO(&writable);
-            FD_ZERO(&failed);
-            FD_SET(socket, &writable);
-            FD_SET(socket, &failed);
-            timeval limit{in_timeoutMs / 1000, (in_timeoutMs % 1000) * 1000};
-            const int ready = ::select(0, nullptr, &writable, &failed, in_timeoutMs > 0 ? &limit : nullptr);
-            if (ready == 0)
-            {
-                error = WSAETIMEDOUT;
-            }
-            else if (ready == SOCKET_ERROR)
-            {
-                error = ::WSAGetLastError();
-            }
-            else
-            {
-                int length = sizeof(error);
-                error = 0;
-                if (::getsockopt(socket, SOL_SOCKET, SO_ERROR, reinterpret_cast<char*>(&error), &length) != 0)
-                {
-                    error = ::WSAGetLastError();
-                }
-            }
+            error = WaitForConnect(socket, in_timeoutMs, in_stop);
         }
     }
     if (error != 0)
@@ -110,41 +187,41 @@ TcpConnector::Result ConnectOne(const addrinfo& in_address, int in_timeoutMs)
     }
     u_long blocking = 0;
     ::ioctlsocket(socket, FIONBIO, &blocking);
-    result.failure = TcpConnector::Failure::None;
+    result.failure = Failure::None;
     result.socket = static_cast<std::intptr_t>(socket);
     return result;
 }
-}  // namespace
 
 TcpConnector::Result TcpConnector::Connect(const std::string& in_host, std::uint16_t in_port, int in_timeoutMs)
 {
-    StartWinsock();
-    addrinfo hints{};
-    hints.ai_family = AF_UNSPEC;
-    hints.ai_socktype = SOCK_STREAM;
-    hints.ai_protocol = IPPROTO_TCP;
-    addrinfo* addresses = nullptr;
-    const std::string service = std::to_string(in_port);
-    const int resolved = ::getaddrinfo(in_host.c_str(), service.c_str(), &hints, &addresses);
-    if (resolved != 0)
+    const Resolution resolution = Resolve(in_host, in_port);
+    Result result;
+    if (resolution.failure != Failure::None)
     {
-        Result result;
-        result.failure = resolved == WSAHOST_NOT_FOUND || resolved == WSANO_DATA ? Failure::HostNotFound
-                                                                                 : Failure::Other;
-        result.detail = ErrorText(resolved);
+        result.failure = resolution.failure;
+        result.detail = resolution.detail;
         return result;
     }
-    Result result;
-    for (const addrinfo* address = addresses; address != nullptr; address = address->ai_next)
+    for (const Address& address : resolution.addresses)
     {
-        result = ConnectOne(*address, in_timeoutMs);
+        result = ConnectTo(address, in_timeoutMs);
         if (result.failure == Failure::None)
         {
             break;
         }
     }
-    ::freeaddrinfo(addresses);
     return result;
+}
+
+void TcpConnector::Shutdown(std::intptr_t in_socket)
+{
+    if (in_socket != static_cast<std::intptr_t>(INVALID_SOCKET) && in_socket >= 0)
+    {
+        ::shutdown(static_cast<SOCKET>(in_socket), SD_BOTH);
+        // A blocking recv or send in another thread is not woken by shutdown
+        // alone on every Windows version; cancelling its I/O ends it.
+        ::CancelIoEx(reinterpret_cast<HANDLE>(in_socket), nullptr);
+    }
 }
 
 void TcpConnector::Close(std::intptr_t in_socket)

@@ -78,9 +78,12 @@ const char* ConfigCommandLine::UsageText()
            "  import FILE           replace the settings with those of FILE (- for standard\n"
            "                        input); settings it does not name return to their\n"
            "                        defaults, logging settings stay as they are\n"
-           "  test [KEY=VALUE...]   open a session on the server with the settings (and\n"
+           "  test [--verbose] [KEY=VALUE...]\n"
+           "                        open a session on the server with the settings (and\n"
            "                        the given changes, which are not saved); prints the\n"
            "                        result, exit 0 when the session opened, 1 when not\n"
+           "                        (or on Ctrl-C); --verbose adds each step with its\n"
+           "                        time, --json prints one object with the steps\n"
            "  diff FILE             print what import FILE would change, key by key:\n"
            "                        + added, - removed, ~ changed (secrets by name only)\n"
            "\n"
@@ -631,12 +634,13 @@ int ConfigCommandLine::SetSecret(ConfigSettingsSession& io_session, const Operan
 
 int ConfigCommandLine::Test(ConfigSettingsSession& io_session, const Operands& in_operands)
 {
+    Operands operands = in_operands;
     if (m_options.json)
     {
-        return Usage("test prints the Test Results report; --json does not apply to it");
+        operands.push_back(u"--json");
     }
     return ConfigTestCommand(m_out, Err(), ThriftExtension::TEConnectionTesterFactory::GetDefault())
-        .Run(io_session.GetConfiguration(), in_operands);
+        .Run(io_session.GetConfiguration(), operands);
 }
 
 int ConfigCommandLine::ListDataSources(ConfigSettingsSession&, const Operands&)

@@ -24,6 +24,10 @@
 #include "thrift/connectiontest/TEKerberosAuthenticator.h"
 #include "thrift/connectiontest/TEKerberosSaslTransport.h"
 #include "thrift/connectiontest/TESaslClientTransport.h"
+#include "thrift/connectiontest/TEServerInfo.h"
+#include "thrift/connectiontest/TESocketCancelGuard.h"
+#include "thrift/connectiontest/TEStepConnector.h"
+#include "thrift/connectiontest/TEStepDetails.h"
 #include "thrift/connectiontest/TEStepRecorder.h"
 #include "thrift/connectiontest/TETlsSocketFactory.h"
 #include "thrift/connectiontest/TEOAuthTokenRequest.h"
@@ -111,28 +115,6 @@ private:
     std::intptr_t m_socket;
 };
 
-std::intptr_t Connect(const std::string& in_host, std::uint16_t in_port, const std::string& in_authority,
-                      int in_timeoutMs, bool in_isProxy)
-{
-    const TcpConnector::Result result = TcpConnector::Connect(in_host, in_port, in_timeoutMs);
-    const std::string what = in_isProxy ? "the proxy " + in_authority : in_authority;
-    switch (result.failure)
-    {
-        case TcpConnector::Failure::None:
-            return result.socket;
-        case TcpConnector::Failure::HostNotFound:
-            Fail(u"TEHostNotFound", {in_host, result.detail});
-        case TcpConnector::Failure::Refused:
-            Fail(u"TEConnectionRefused", {what});
-        case TcpConnector::Failure::TimedOut:
-            Fail(u"TEConnectTimeout", {what, Seconds(in_timeoutMs)});
-        case TcpConnector::Failure::Unreachable:
-        case TcpConnector::Failure::Other:
-            break;
-    }
-    Fail(u"TEConnectFailed", {what, result.detail});
-}
-
 void SetTimeouts(TSocket& io_socket, int in_timeoutMs)
 {
     io_socket.setRecvTimeout(in_timeoutMs);
@@ -211,9 +193,12 @@ struct Stack
     std::shared_ptr<TEHttpClientTransport> http;
     std::shared_ptr<TEKerberosAuthenticator> kerberos;
     std::unique_ptr<TETlsSocketFactory> tls;
+    // Last, so that it is gone before the socket closes.
+    std::unique_ptr<TESocketCancelGuard> cancel;
 };
 
-Stack BuildStack(const TEConnectionTarget& in_target, TEStepRecorder& io_steps, Support::ILogger* in_log)
+Stack BuildStack(const TEConnectionTarget& in_target, TEStepRecorder& io_steps,
+                 DriverSupport::DSCancellation& io_cancellation, Support::ILogger* in_log)
 {
     Stack stack;
     if (in_target.m_authentication == TEConnectionTarget::Authentication::Kerberos)
@@ -221,23 +206,26 @@ Stack BuildStack(const TEConnectionTarget& in_target, TEStepRecorder& io_steps, 
         stack.kerberos = std::make_shared<TEKerberosAuthenticator>(in_target, in_log);
     }
     const bool viaProxy = in_target.m_transport == TETransportMode::HTTP && !in_target.m_proxy.IsEmpty();
-    io_steps.Begin("connect");
     std::intptr_t connected;
     if (viaProxy)
     {
-        connected = Connect(StringConverter::ToUtf8(in_target.m_proxy.host), in_target.m_proxy.port,
-                            StringConverter::ToUtf8(in_target.m_proxy.GetAuthority()), in_target.m_timeoutMs, true);
+        connected = TEStepConnector::Connect(StringConverter::ToUtf8(in_target.m_proxy.host), in_target.m_proxy.port,
+                                             StringConverter::ToUtf8(in_target.m_proxy.GetAuthority()),
+                                             in_target.m_timeoutMs, true, io_steps, io_cancellation);
     }
     else
     {
-        connected = Connect(in_target.m_host, in_target.m_port, in_target.GetAuthority(), in_target.m_timeoutMs, false);
+        connected = TEStepConnector::Connect(in_target.m_host, in_target.m_port, in_target.GetAuthority(),
+                                             in_target.m_timeoutMs, false, io_steps, io_cancellation);
     }
     SocketGuard guard(connected);
-    io_steps.Pass(viaProxy ? "the proxy " + StringConverter::ToUtf8(in_target.m_proxy.GetAuthority())
-                           : in_target.GetAuthority());
+    stack.cancel = std::make_unique<TESocketCancelGuard>(io_cancellation, connected);
 
     if (in_target.m_ssl)
     {
+        // The step lasts from the TLS setup to the end of the handshake,
+        // which OpenAndCloseSession completes.
+        io_steps.Begin("tls");
         stack.tls = std::make_unique<TETlsSocketFactory>(in_target);
         THRIFT_SOCKET socket = guard.Release();
         if (viaProxy)
@@ -383,15 +371,22 @@ void TEConnectionTester::OpenAndCloseSession(const TEConnectionTarget& in_target
     {
         throw TEException(u"TETestCancelled", {});
     }
-    Stack stack = BuildStack(in_target, io_steps, in_log);
+    Stack stack = BuildStack(in_target, io_steps, io_cancellation, in_log);
     try
     {
+        if (stack.tls)
+        {
+            // An empty write makes the TLS socket complete its handshake.
+            const std::uint8_t nothing = 0;
+            stack.socket->write(&nothing, 0);
+            io_steps.Pass(TETlsSocketFactory::LastHandshake());
+        }
+        const std::string mechanism = TEStepDetails::Mechanism(in_target);
         if (stack.sasl)
         {
             io_steps.Begin("authentication");
             stack.sasl->open();
-            io_steps.Pass(stack.kerberos ? stack.kerberos->Describe("SASL GSSAPI")
-                                         : "SASL PLAIN as " + in_target.m_user);
+            io_steps.Pass(stack.kerberos ? stack.kerberos->Describe("SASL GSSAPI") : mechanism);
         }
         else if (stack.kerberos)
         {
@@ -399,7 +394,10 @@ void TEConnectionTester::OpenAndCloseSession(const TEConnectionTarget& in_target
             stack.kerberos->PrepareNegotiate();
             io_steps.Pass(stack.kerberos->Describe("HTTP Negotiate"));
         }
-        io_steps.Begin("open-session");
+        // Without SASL the credentials travel with the OpenSession request:
+        // the answer to it is the verdict on them.
+        const bool authenticatesInRequest = !stack.sasl && !stack.kerberos && !mechanism.empty();
+        io_steps.Begin(authenticatesInRequest ? "authentication" : "open-session");
         auto protocol = std::make_shared<TBinaryProtocol>(stack.transport);
         Cli::TCLIServiceClient client(protocol);
 
@@ -418,6 +416,11 @@ void TEConnectionTester::OpenAndCloseSession(const TEConnectionTarget& in_target
         }
         Cli::TOpenSessionResp openResponse;
         client.OpenSession(openResponse, openRequest);
+        if (authenticatesInRequest)
+        {
+            io_steps.Pass(mechanism);
+            io_steps.Begin("open-session");
+        }
         if (!Succeeded(openResponse.status))
         {
             Fail(u"TEOpenSessionRefused", {in_target.GetAuthority(), StatusText(openResponse.status)});
@@ -428,6 +431,9 @@ void TEConnectionTester::OpenAndCloseSession(const TEConnectionTarget& in_target
             in_log->LogInfo(NS, CLS, "OpenAndCloseSession", "Session opened on %s (protocol version %d).",
                             in_target.GetAuthority().c_str(), static_cast<int>(openResponse.serverProtocolVersion));
         }
+
+        io_steps.Begin("server-info");
+        io_steps.Pass(TEServerInfo::Query(client, openResponse.sessionHandle));
 
         io_steps.Begin("close-session");
         Cli::TCloseSessionReq closeRequest;
@@ -492,7 +498,9 @@ DriverSupport::IConnectionTester::Outcome TEConnectionTester::TestConnection(
     catch (const Support::ErrorException& e)
     {
         outcome.status = Outcome::Status::Failed;
-        outcome.errorText = Support::DSIMessageManager::GetDisplayText(e);
+        outcome.errorText = io_cancellation.IsCancelled()
+                                ? Support::DSIMessageManager::GetDisplayText(TEException(u"TETestCancelled", {}))
+                                : Support::DSIMessageManager::GetDisplayText(e);
         steps.Fail(outcome.errorText);
         if (log != nullptr)
         {
@@ -505,7 +513,9 @@ DriverSupport::IConnectionTester::Outcome TEConnectionTester::TestConnection(
         // A failure of the Thrift library outside the transport (out of
         // memory, a bad argument): still an answer for the user.
         outcome.status = Outcome::Status::Failed;
-        outcome.errorText = TEException::ToParameter(e.what());
+        outcome.errorText = io_cancellation.IsCancelled()
+                                ? Support::DSIMessageManager::GetDisplayText(TEException(u"TETestCancelled", {}))
+                                : TEException::ToParameter(e.what());
         steps.Fail(outcome.errorText);
         if (log != nullptr)
         {

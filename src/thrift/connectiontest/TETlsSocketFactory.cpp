@@ -24,9 +24,33 @@ namespace
 // The verdict of the certificate check, per thread: a test runs on one thread
 // from connect to result.
 thread_local std::string t_verifyFailure;
+thread_local std::string t_handshake;
+thread_local bool t_selfSignedAccepted = false;
+
+std::string NameOf(X509_NAME* in_name)
+{
+    if (in_name == nullptr)
+    {
+        return "?";
+    }
+    BIO* memory = BIO_new(BIO_s_mem());
+    X509_NAME_print_ex(memory, in_name, 0, XN_FLAG_RFC2253);
+    char* data = nullptr;
+    const long length = BIO_get_mem_data(memory, &data);
+    std::string text(data != nullptr ? data : "", static_cast<std::size_t>(std::max(length, 0L)));
+    BIO_free(memory);
+    return text;
+}
 
 // Index of the factory's switch in the context's extra data.
 int SelfSignedIndex()
+{
+    static const int index = SSL_CTX_get_ex_new_index(0, nullptr, nullptr, nullptr, nullptr);
+    return index;
+}
+
+// Index of the factory itself, for the handshake summary.
+int FactoryIndex()
 {
     static const int index = SSL_CTX_get_ex_new_index(0, nullptr, nullptr, nullptr, nullptr);
     return index;
@@ -97,6 +121,9 @@ TETlsSocketFactory::TETlsSocketFactory(const TEConnectionTarget& in_target)
     }
     SSL_CTX_set_ex_data(context, SelfSignedIndex(), in_target.m_allowSelfSigned ? this : nullptr);
     SSL_CTX_set_verify(context, SSL_VERIFY_PEER, &VerifyCallback);
+    m_checksHostName = !in_target.m_allowHostNameMismatch;
+    SSL_CTX_set_ex_data(context, FactoryIndex(), this);
+    SSL_CTX_set_info_callback(context, &InfoCallback);
     // Thrift's own name check would repeat the one above without the switch.
     access(std::make_shared<TEVerifiedPeerAccessManager>());
 }
@@ -169,10 +196,46 @@ int TETlsSocketFactory::VerifyCallback(int in_preverified, X509_STORE_CTX* in_co
         (error == X509_V_ERR_DEPTH_ZERO_SELF_SIGNED_CERT || error == X509_V_ERR_SELF_SIGNED_CERT_IN_CHAIN))
     {
         X509_STORE_CTX_set_error(in_context, X509_V_OK);
+        t_selfSignedAccepted = true;
         return 1;
     }
     t_verifyFailure = X509_verify_cert_error_string(error);
     return 0;
+}
+
+void TETlsSocketFactory::InfoCallback(const SSL* in_ssl, int in_where, int)
+{
+    if ((in_where & SSL_CB_HANDSHAKE_DONE) == 0)
+    {
+        return;
+    }
+    std::string text = std::string(SSL_get_version(in_ssl)) + ", " + SSL_get_cipher_name(in_ssl);
+    if (X509* certificate = SSL_get1_peer_certificate(in_ssl))
+    {
+        text += "; server certificate " + NameOf(X509_get_subject_name(certificate)) + ", issued by " +
+                NameOf(X509_get_issuer_name(certificate));
+        X509_free(certificate);
+    }
+    const long verified = SSL_get_verify_result(in_ssl);
+    if (verified != X509_V_OK)
+    {
+        text += "; not verified: " + std::string(X509_verify_cert_error_string(verified));
+    }
+    else
+    {
+        text += t_selfSignedAccepted ? "; self-signed, accepted (AllowSelfSignedServerCert)" : "; verified";
+        const auto* factory = static_cast<const TETlsSocketFactory*>(SSL_CTX_get_ex_data(SSL_get_SSL_CTX(in_ssl), FactoryIndex()));
+        if (factory != nullptr && !factory->m_checksHostName)
+        {
+            text += ", host name not checked (AllowHostNameCNMismatch)";
+        }
+    }
+    t_handshake = text;
+}
+
+std::string TETlsSocketFactory::LastHandshake()
+{
+    return t_handshake;
 }
 
 std::string TETlsSocketFactory::LastVerifyFailure()
@@ -183,6 +246,8 @@ std::string TETlsSocketFactory::LastVerifyFailure()
 std::shared_ptr<TSSLSocket> TETlsSocketFactory::Wrap(THRIFT_SOCKET in_socket, const std::string& in_host)
 {
     t_verifyFailure.clear();
+    t_handshake.clear();
+    t_selfSignedAccepted = false;
     std::shared_ptr<TSSLSocket> socket = createSocket(in_socket);
     // The name for the server name indication.
     socket->setHost(in_host);

@@ -29,6 +29,11 @@ public:
     /// empty when none did.
     static std::string LastVerifyFailure();
 
+    /// What the last completed handshake of this thread agreed on: protocol
+    /// version, cipher, the server certificate's subject and issuer and the
+    /// verification result; empty when no handshake completed.
+    static std::string LastHandshake();
+
     /// The OpenSSL protocol version constant of a minimum TLS setting ("1.0",
     /// "1.1", "1.2"; 0 for "unrestricted" and anything else).
     static int MinimumProtocol(const std::string& in_minTls);
@@ -38,8 +43,10 @@ protected:
 
 private:
     static int VerifyCallback(int in_preverified, X509_STORE_CTX* in_context);
+    static void InfoCallback(const SSL* in_ssl, int in_where, int in_result);
     void LoadTrust(const TEConnectionTarget& in_target);
 
     std::string m_keyPassword;
+    bool m_checksHostName = true;
 };
 }  // namespace Tarni::ThriftExtension

@@ -77,6 +77,11 @@ std::intptr_t ScriptedDialogHost::DialogBoxParam(unsigned in_templateId, IDialog
 
     ScriptedDialogWindow window(*this, *dialogTemplate, in_owner, in_procedure);
     window.Send(WM_INITDIALOG, 0, in_param);
+    if (m_settleTimers && window.HasTimers() &&
+        !window.RunTimers([&window] { return !window.HasTimers(); }, std::chrono::seconds(30)) && !window.IsEnded())
+    {
+        throw ScriptedHostError("dialog " + std::to_string(in_templateId) + " still runs its timers after 30 s");
+    }
     if (!window.IsEnded() && expected.script)
     {
         expected.script(window);

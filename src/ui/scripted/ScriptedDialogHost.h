@@ -59,6 +59,12 @@ public:
     void ExpectSaveFile(std::optional<tarni_wstring> in_path);
     void ExpectFolder(std::optional<tarni_wstring> in_path);
 
+    /// By default a dialog that starts a timer in WM_INITDIALOG (background
+    /// work it polls) gets its timer messages until the timer stops before
+    /// its script runs, as a user who waits; false hands the script the
+    /// dialog at once (the script then lets time pass with RunTimers).
+    void SetSettleTimers(bool in_settle) { m_settleTimers = in_settle; }
+
     void SetDesktopRect(const DialogRect& in_rect) { m_desktop = in_rect; }
     void SetWaitCursorAvailable(bool in_available) { m_waitCursorAvailable = in_available; }
     void SetDocumentsFolder(std::optional<tarni_wstring> in_folder) { m_documents = std::move(in_folder); }
@@ -108,6 +114,7 @@ private:
     std::vector<tarni_wstring> m_folderTitles;
     DialogRect m_desktop{0, 0, 1920, 1080};
     bool m_waitCursorAvailable = true;
+    bool m_settleTimers = true;
     int m_waitCursorCount = 0;
     std::optional<tarni_wstring> m_documents;
 };

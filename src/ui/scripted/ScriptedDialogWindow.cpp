@@ -1,6 +1,7 @@
 #include "ui/scripted/ScriptedDialogWindow.h"
 
 #include <algorithm>
+#include <thread>
 
 #include "ui/DialogConstants.h"
 #include "ui/scripted/ScriptedDialogHost.h"
@@ -323,6 +324,34 @@ void ScriptedDialogWindow::EndDialog(std::intptr_t in_result)
 {
     m_ended = true;
     m_result = in_result;
+}
+
+bool ScriptedDialogWindow::RunTimers(const std::function<bool()>& in_until, std::chrono::milliseconds in_limit)
+{
+    const auto deadline = std::chrono::steady_clock::now() + in_limit;
+    while (!in_until())
+    {
+        if (m_timers.empty() || m_ended || std::chrono::steady_clock::now() >= deadline)
+        {
+            return false;
+        }
+        unsigned interval = m_timers.begin()->second;
+        for (const auto& [id, timerInterval] : m_timers)
+        {
+            interval = std::min(interval, timerInterval);
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(interval));
+        // A copy: the procedure may start or stop timers.
+        const std::map<unsigned, unsigned> timers = m_timers;
+        for (const auto& [id, timerInterval] : timers)
+        {
+            if (m_timers.count(id) != 0 && !m_ended)
+            {
+                Send(WM_TIMER, id, 0);
+            }
+        }
+    }
+    return true;
 }
 
 void ScriptedDialogWindow::SetProperty(tarni_wstring_view in_name, void* in_value)

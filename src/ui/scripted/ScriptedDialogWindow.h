@@ -4,6 +4,8 @@
 // drives it through the user operations below (type, click, select, press
 // Enter or Escape, close box), each of which sends the notifications that
 // Windows would send, in the same order.
+#include <chrono>
+#include <functional>
 #include <map>
 #include <memory>
 #include <vector>
@@ -53,6 +55,12 @@ public:
     tarni_wstring SelectedText(int in_id) const;
 
     bool IsEnded() const { return m_ended; }
+    /// Whether the dialog has a timer running.
+    bool HasTimers() const { return !m_timers.empty(); }
+    /// Lets time pass as the message loop would: sends WM_TIMER for each
+    /// running timer at its interval until in_until() holds, no timer runs,
+    /// the dialog ends or in_limit has passed; whether in_until() held.
+    bool RunTimers(const std::function<bool()>& in_until, std::chrono::milliseconds in_limit);
     std::intptr_t GetResult() const { return m_result; }
     const DialogTemplate& GetTemplate() const { return m_template; }
 
@@ -70,6 +78,8 @@ public:
     DialogRect GetWindowRect() override { return m_rect; }
     void MoveWindow(int in_x, int in_y, int in_width, int in_height, bool in_repaint) override;
     void EndDialog(std::intptr_t in_result) override;
+    void SetTimer(unsigned in_timerId, unsigned in_intervalMs) override { m_timers[in_timerId] = in_intervalMs; }
+    void KillTimer(unsigned in_timerId) override { m_timers.erase(in_timerId); }
     void SetProperty(tarni_wstring_view in_name, void* in_value) override;
     void* GetProperty(tarni_wstring_view in_name) override;
     bool HasItem(int in_id) override { return Find(in_id) != nullptr; }
@@ -121,6 +131,7 @@ private:
     DialogRect m_rect;
     int m_focus = 0;
     bool m_ended = false;
+    std::map<unsigned, unsigned> m_timers;  ///< id, interval in ms
     std::intptr_t m_result = 0;
 };
 }  // namespace Tarni::Platform

@@ -1,6 +1,7 @@
 #include "ui/terminal/TerminalDialogHost.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 
@@ -68,6 +69,10 @@ void TerminalDialogHost::PaintAll(const std::wstring* in_status, bool in_update)
     if (in_status != nullptr)
     {
         DrawStatus(*in_status);
+    }
+    else if (!m_waitStatus.empty())
+    {
+        DrawStatus(m_waitStatus);
     }
     else if (!m_stack.empty())
     {
@@ -138,15 +143,45 @@ std::intptr_t TerminalDialogHost::DialogBoxParam(unsigned in_templateId, IDialog
     window.Layout(GetDialogRows(), GetScreenCols());
     window.Send(WM_INITDIALOG, 0, in_param);
     window.FocusFirst();
+    auto lastTimers = std::chrono::steady_clock::now();
     while (!window.IsEnded())
     {
+        const unsigned interval = window.GetTimerInterval();
+        if (interval == 0)
+        {
+            // The activity line of SetWaitCursor lasts while work runs in
+            // the background (a timer polls it), else until the next key.
+            m_waitStatus.clear();
+        }
         PaintAll(nullptr, true);
-        const TerminalKey key = ReadKey(window.GetCursesWindow());
-        if (key.kind != TerminalKey::Kind::Resize)
+        if (interval == 0)
+        {
+            const TerminalKey key = ReadKey(window.GetCursesWindow());
+            if (key.kind != TerminalKey::Kind::Resize)
+            {
+                window.HandleKey(key);
+            }
+            continue;
+        }
+        // A timer runs: wait for a key no longer than its interval.
+        ::wtimeout(window.GetCursesWindow(), static_cast<int>(interval));
+        const TerminalKey key = m_screen.ReadKey(window.GetCursesWindow());
+        ::wtimeout(window.GetCursesWindow(), -1);
+        if (key.kind == TerminalKey::Kind::Resize)
+        {
+            RelayoutAll();
+        }
+        else if (key.kind != TerminalKey::Kind::None)
         {
             window.HandleKey(key);
         }
+        if (std::chrono::steady_clock::now() - lastTimers >= std::chrono::milliseconds(interval))
+        {
+            lastTimers = std::chrono::steady_clock::now();
+            window.FireTimers();
+        }
     }
+    m_waitStatus.clear();
     window.Send(WM_DESTROY, 0, 0);
     window.Send(WM_NCDESTROY, 0, 0);
     return window.GetResult();
@@ -194,7 +229,8 @@ bool TerminalDialogHost::SetWaitCursor(tarni_wstring_view in_activity)
     // The terminal has no mouse pointer: the status line says it instead.
     if (m_screen.IsActive())
     {
-        DrawStatus(in_activity.empty() ? std::wstring(L"Please wait...") : TerminalText::ToWide(in_activity));
+        m_waitStatus = in_activity.empty() ? std::wstring(L"Please wait...") : TerminalText::ToWide(in_activity);
+        DrawStatus(m_waitStatus);
         ::wnoutrefresh(stdscr);
         ::doupdate();
     }

@@ -63,5 +63,6 @@ private:
     Support::ILogger* m_logger;
     TerminalScreen& m_screen;
     std::vector<TerminalDialogWindow*> m_stack;  ///< open dialogs, the top one last
+    std::wstring m_waitStatus;  ///< the activity line of SetWaitCursor, while it lasts
 };
 }  // namespace Tarni::Platform

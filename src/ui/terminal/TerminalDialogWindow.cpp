@@ -177,6 +177,29 @@ void TerminalDialogWindow::ScrollToFocus()
 
 // ------------------------------------------------------------------ window
 
+unsigned TerminalDialogWindow::GetTimerInterval() const
+{
+    unsigned interval = 0;
+    for (const auto& [id, timerInterval] : m_timers)
+    {
+        interval = interval == 0 ? timerInterval : std::min(interval, timerInterval);
+    }
+    return interval;
+}
+
+void TerminalDialogWindow::FireTimers()
+{
+    // A copy: the procedure may start or stop timers.
+    const std::map<unsigned, unsigned> timers = m_timers;
+    for (const auto& [id, interval] : timers)
+    {
+        if (m_timers.count(id) != 0 && !m_ended)
+        {
+            Send(WM_TIMER, id, 0);
+        }
+    }
+}
+
 void TerminalDialogWindow::EndDialog(std::intptr_t in_result)
 {
     m_ended = true;

@@ -52,6 +52,10 @@ public:
 
     WINDOW* GetCursesWindow() const { return m_window; }
     bool IsEnded() const { return m_ended; }
+    /// The shortest interval of the running timers, 0 when none runs.
+    unsigned GetTimerInterval() const;
+    /// Sends WM_TIMER for each running timer.
+    void FireTimers();
     std::intptr_t GetResult() const { return m_result; }
     const DialogTemplate& GetTemplate() const { return m_template; }
     /// The control id that has the focus, 0 when none.
@@ -67,6 +71,8 @@ public:
     DialogRect GetWindowRect() override;
     void MoveWindow(int in_x, int in_y, int in_width, int in_height, bool in_repaint) override;
     void EndDialog(std::intptr_t in_result) override;
+    void SetTimer(unsigned in_timerId, unsigned in_intervalMs) override { m_timers[in_timerId] = in_intervalMs; }
+    void KillTimer(unsigned in_timerId) override { m_timers.erase(in_timerId); }
     void SetProperty(tarni_wstring_view in_name, void* in_value) override;
     void* GetProperty(tarni_wstring_view in_name) override;
     bool HasItem(int in_id) override { return Find(in_id) >= 0; }
@@ -152,6 +158,7 @@ private:
     int m_caretRow = -1;
     int m_caretCol = -1;
     bool m_ended = false;
+    std::map<unsigned, unsigned> m_timers;  ///< id, interval in ms
     std::intptr_t m_result = 0;
 };
 }  // namespace Tarni::Platform

@@ -62,6 +62,17 @@ INT_PTR CALLBACK Win32DialogHost::DialogProc(HWND in_hwnd, UINT in_message, WPAR
     {
         return FALSE;  // messages before WM_INITDIALOG (WM_SETFONT ...)
     }
+    if (in_message == WM_SETCURSOR && window->HasTimers() && creation == nullptr)
+    {
+        // Work runs in the background while a timer polls it: the wait
+        // cursor stays over the dialog until the timer stops.
+        if (HCURSOR cursor = ::LoadCursorW(nullptr, IDC_WAIT))
+        {
+            ::SetCursor(cursor);
+            ::SetWindowLongPtrW(in_hwnd, DWLP_MSGRESULT, TRUE);
+            return TRUE;
+        }
+    }
     INT_PTR result = FALSE;
     try
     {

@@ -90,6 +90,20 @@ void Win32DialogWindow::MoveWindow(int in_x, int in_y, int in_width, int in_heig
 
 void Win32DialogWindow::EndDialog(std::intptr_t in_result) { ::EndDialog(m_hwnd, in_result); }
 
+void Win32DialogWindow::SetTimer(unsigned in_timerId, unsigned in_intervalMs)
+{
+    if (::SetTimer(m_hwnd, in_timerId, in_intervalMs, nullptr) != 0)
+    {
+        m_timers.insert(in_timerId);
+    }
+}
+
+void Win32DialogWindow::KillTimer(unsigned in_timerId)
+{
+    ::KillTimer(m_hwnd, in_timerId);
+    m_timers.erase(in_timerId);
+}
+
 void Win32DialogWindow::SetProperty(tarni_wstring_view in_name, void* in_value)
 {
     ::SetPropW(m_hwnd, W(tarni_wstring(in_name)), in_value);

@@ -1,4 +1,6 @@
 #pragma once
+#include <set>
+
 #include "ui/win32/Win32Headers.h"
 
 #include "ui/IDialogHost.h"
@@ -61,6 +63,9 @@ public:
     int ListFindString(int in_id, int in_startAfter, tarni_wstring_view in_prefix) override;
     void EditSetSel(int in_id, int in_start, int in_end) override;
     void EditReplaceSel(int in_id, tarni_wstring_view in_text) override;
+    void SetTimer(unsigned in_timerId, unsigned in_intervalMs) override;
+    void KillTimer(unsigned in_timerId) override;
+    bool HasTimers() const { return !m_timers.empty(); }
 
 private:
     LRESULT SendItem(int in_id, UINT in_message, WPARAM in_wParam, LPARAM in_lParam);
@@ -72,5 +77,6 @@ private:
     DialogProcedure m_procedure;
     HICON m_bigIcon = nullptr;
     HICON m_smallIcon = nullptr;
+    std::set<unsigned> m_timers;
 };
 }  // namespace Tarni::Platform

@@ -181,7 +181,13 @@ protected:
 
     IConnectionTester::Outcome Run()
     {
-        const auto outcome = TEConnectionTester().TestConnection(m_configuration);
+        Tarni::DriverSupport::DSCancellation never;
+        return Run(never);
+    }
+
+    IConnectionTester::Outcome Run(Tarni::DriverSupport::DSCancellation& io_cancellation)
+    {
+        const auto outcome = TEConnectionTester().TestConnection(m_configuration, io_cancellation);
         const std::string text = StringConverter::ToUtf8(outcome.errorText);
         EXPECT_EQ(text.find(PASSWORD), std::string::npos) << text;
         for (const auto& record : m_log.records)
@@ -203,7 +209,9 @@ protected:
         for (const Tarni::DriverSupport::DSTestStep& step : in_outcome.steps)
         {
             steps += (steps.empty() ? "" : " ") + step.id + ":" +
-                     (step.status == Tarni::DriverSupport::DSTestStep::Status::Passed ? "passed" : "failed");
+                     (step.status == Tarni::DriverSupport::DSTestStep::Status::Passed   ? "passed"
+                      : step.status == Tarni::DriverSupport::DSTestStep::Status::Failed ? "failed"
+                                                                                         : "running");
         }
         return steps;
     }
@@ -244,7 +252,8 @@ TEST_F(ConnectionTest, OpensAndClosesASessionOverEachTransport)
         const auto outcome = Run();
         EXPECT_EQ(outcome.status, Status::Succeeded) << Text(outcome);
         EXPECT_EQ(server.SessionsClosed(), 1);
-        EXPECT_EQ(Steps(outcome), "connect:passed authentication:passed open-session:passed close-session:passed");
+        EXPECT_EQ(Steps(outcome), "resolve:passed connect:passed authentication:passed open-session:passed "
+                                  "server-info:passed close-session:passed");
     }
     {
         SCOPED_TRACE("SASL PLAIN over TLS");
@@ -317,7 +326,7 @@ TEST_F(ConnectionTest, RefusedCredentialsNameTheServersReason)
         Set(Keys::PWD, "wrong");
         const auto outcome = Run();
         EXPECT_EQ(outcome.status, Status::Failed);
-        EXPECT_EQ(Steps(outcome), "connect:passed authentication:failed");
+        EXPECT_EQ(Steps(outcome), "resolve:passed connect:passed authentication:failed");
         EXPECT_EQ(outcome.steps.back().detail, outcome.errorText);
         EXPECT_NE(Text(outcome).find("refused the user name or password: Error validating the login"),
                   std::string::npos)
@@ -494,3 +503,121 @@ TEST(ConnectionTransportParts, PlainResponseAndHttpStatusLine)
     EXPECT_FALSE(TEHttpClientTransport::ParseStatusLine("HTTP/1.1 2x0 OK", status, reason));
 }
 }  // namespace
+
+// The step list: what each step found on success, and where a failure stops
+// the list (the failed step carries the reason, the steps before it stay).
+TEST_F(ConnectionTest, StepsOfASuccessOverTls)
+{
+    TestTCLIServer server(Server(TestTCLIServer::Mode::Http, "server"));
+    Target(server.Port(), "2", "3");
+    Set(Keys::HTTPPath, "cliservice");
+    UseTls(Cert("ca.pem"));
+    const auto outcome = Run();
+    ASSERT_EQ(outcome.status, Status::Succeeded) << Text(outcome);
+    EXPECT_EQ(Steps(outcome), "resolve:passed connect:passed tls:passed authentication:passed open-session:passed "
+                              "server-info:passed close-session:passed");
+    auto detail = [&outcome](std::size_t in_index) { return StringConverter::ToUtf8(outcome.steps[in_index].detail); };
+    const std::string address = "127.0.0.1:" + std::to_string(server.Port());
+    EXPECT_EQ(detail(0), "127.0.0.1: " + address);
+    EXPECT_EQ(detail(1), address);
+    EXPECT_NE(detail(2).find("TLSv1."), std::string::npos) << detail(2);
+    EXPECT_NE(detail(2).find("server certificate CN=server,O=Tarni connection test, issued by CN=Test CA"),
+              std::string::npos)
+        << detail(2);
+    EXPECT_NE(detail(2).find("; verified"), std::string::npos) << detail(2);
+    EXPECT_EQ(detail(3), "HTTP Basic as alice");
+    EXPECT_EQ(detail(4), "protocol version 9");
+    EXPECT_EQ(detail(5), "Tarni Test Server 3.5.1");
+}
+
+TEST_F(ConnectionTest, AFailureNamesItsStepAndKeepsTheOnesBefore)
+{
+    {
+        SCOPED_TRACE("resolution");
+        Target(10000, "1", "3");
+        Set(Keys::Host, "no-such-host.invalid");
+        const auto outcome = Run();
+        EXPECT_EQ(Steps(outcome), "resolve:failed");
+        EXPECT_EQ(outcome.steps.back().detail, outcome.errorText);
+    }
+    {
+        SCOPED_TRACE("connect");
+        apache::thrift::transport::TServerSocket probe("127.0.0.1", 0);
+        probe.listen();
+        const auto freePort = static_cast<std::uint16_t>(probe.getPort());
+        probe.close();
+        Target(freePort, "1", "3");
+        EXPECT_EQ(Steps(Run()), "resolve:passed connect:failed");
+    }
+    {
+        SCOPED_TRACE("authentication");
+        TestTCLIServer server(Server(TestTCLIServer::Mode::Sasl));
+        Target(server.Port(), "1", "3");
+        Set(Keys::UID, "mallory");
+        EXPECT_EQ(Steps(Run()), "resolve:passed connect:passed authentication:failed");
+    }
+    {
+        SCOPED_TRACE("session");
+        auto options = Server(TestTCLIServer::Mode::Sasl);
+        options.refusedUser = "alice";
+        TestTCLIServer server(options);
+        Target(server.Port(), "1", "3");
+        const auto outcome = Run();
+        EXPECT_EQ(Steps(outcome), "resolve:passed connect:passed authentication:passed open-session:failed");
+        EXPECT_NE(StringConverter::ToUtf8(outcome.steps.back().detail).find("may not open a session"),
+                  std::string::npos);
+    }
+    {
+        SCOPED_TRACE("TLS");
+        TestTCLIServer server(Server(TestTCLIServer::Mode::Sasl, "stranger"));
+        Target(server.Port(), "1", "3");
+        UseTls(Cert("ca.pem"));
+        const auto outcome = Run();
+        EXPECT_EQ(Steps(outcome), "resolve:passed connect:passed tls:failed");
+        EXPECT_NE(StringConverter::ToUtf8(outcome.steps.back().detail).find("unable to get local issuer"),
+                  std::string::npos);
+    }
+}
+
+TEST_F(ConnectionTest, AServerThatRefusesGetInfoStillPasses)
+{
+    auto options = Server(TestTCLIServer::Mode::Binary);
+    options.refuseGetInfo = true;
+    TestTCLIServer server(options);
+    Target(server.Port(), "0", "3");
+    const auto outcome = Run();
+    EXPECT_EQ(outcome.status, Status::Succeeded) << Text(outcome);
+    ASSERT_GE(outcome.steps.size(), 2u);
+    const auto& info = outcome.steps[outcome.steps.size() - 2];
+    EXPECT_EQ(info.id, "server-info");
+    EXPECT_EQ(StringConverter::ToUtf8(info.detail), "version unknown: GetInfo is not allowed here");
+    EXPECT_EQ(server.SessionsClosed(), 1);
+}
+
+// Cancel from another thread, while the test waits for a server that accepts
+// and never answers (the limit is 30 s: a cancel that does not work fails).
+TEST_F(ConnectionTest, CancelStopsAWaitingTestWithinASecond)
+{
+    apache::thrift::transport::TServerSocket silent("127.0.0.1", 0);
+    silent.listen();
+    for (const char* transport : {"0", "1", "2"})
+    {
+        SCOPED_TRACE(transport);
+        Target(static_cast<std::uint16_t>(silent.getPort()), transport, "3");
+        Set(Keys::ConnectionTestTimeout, "30");
+        Tarni::DriverSupport::DSCancellation cancellation;
+        std::thread canceller([&cancellation] {
+            std::this_thread::sleep_for(std::chrono::milliseconds(300));
+            cancellation.Cancel();
+        });
+        const auto start = std::chrono::steady_clock::now();
+        const auto outcome = Run(cancellation);
+        const auto elapsed = std::chrono::steady_clock::now() - start;
+        canceller.join();
+        EXPECT_LT(elapsed, std::chrono::seconds(3));
+        EXPECT_EQ(outcome.status, Status::Failed);
+        EXPECT_EQ(Text(outcome), "The test was cancelled.");
+        ASSERT_FALSE(outcome.steps.empty());
+        EXPECT_EQ(outcome.steps.back().status, Tarni::DriverSupport::DSTestStep::Status::Failed);
+    }
+}

@@ -1,11 +1,13 @@
 // The DSN setup's Test button on the terminal host, driven through tmux as a
 // user would, against the project's TCLIService server on 127.0.0.1: the
-// Test Results dialog reports the opened session, and a server that never
-// answers shows "Connecting..." until the time limit names the cause.
+// Test Results dialog reports the opened session and its steps, a server
+// that never answers shows "Connecting..." until the time limit names the
+// cause, and the dialog's Cancel stops such a test at once.
 #include <gtest/gtest.h>
 
 #include <unistd.h>
 
+#include <chrono>
 #include <filesystem>
 #include <memory>
 
@@ -72,6 +74,8 @@ TEST_F(ConnectionTestTerminal, TestOpensASessionAndShowsTheReport)
     ASSERT_TRUE(m_session->WaitForText("Successfully connected to data source!")) << m_session->Screen();
     EXPECT_NE(m_session->Screen().find("SUCCESS!"), std::string::npos);
     EXPECT_NE(m_session->Screen().find("Bitness: 64-bit"), std::string::npos);
+    EXPECT_NE(m_session->Screen().find("Steps:"), std::string::npos) << m_session->Screen();
+    EXPECT_NE(m_session->Screen().find("Name resolution - passed ("), std::string::npos) << m_session->Screen();
     EXPECT_EQ(server.SessionsClosed(), 1);
     m_session->Key("Enter");  // OK of Test Results
     m_session->Key("Escape");
@@ -87,6 +91,24 @@ TEST_F(ConnectionTestTerminal, ASilentServerShowsConnectingThenTheTimeout)
     ASSERT_TRUE(m_session->WaitForText("Connecting...")) << m_session->Screen();
     ASSERT_TRUE(m_session->WaitForText("accepted the connection but did not answer within 3")) << m_session->Screen();
     EXPECT_NE(m_session->Screen().find("FAILED!"), std::string::npos);
+}
+TEST_F(ConnectionTestTerminal, CancelStopsATestThatWaitsForTheServer)
+{
+    apache::thrift::transport::TServerSocket silent("127.0.0.1", 0);
+    silent.listen();
+    StartOn(static_cast<std::uint16_t>(silent.getPort()), "30");
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitForText("Connecting...")) << m_session->Screen();
+    EXPECT_NE(m_session->Screen().find("Cancel"), std::string::npos) << m_session->Screen();
+    const auto start = std::chrono::steady_clock::now();
+    m_session->Key("Enter");
+    ASSERT_TRUE(m_session->WaitForText("The test was cancelled.")) << m_session->Screen();
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(3));
+    EXPECT_NE(m_session->Screen().find("FAILED!"), std::string::npos);
+    EXPECT_EQ(m_session->Screen().find("Connecting..."), std::string::npos) << "the activity line has gone";
+    m_session->Key("Enter");  // OK
+    m_session->Key("Escape");
+    EXPECT_TRUE(m_session->WaitForText("RUN-DONE")) << m_session->Screen();
 }
 }  // namespace
 }  // namespace Tarni::Testing

@@ -34,6 +34,25 @@ void TestTCLIHandler::OpenSession(Cli::TOpenSessionResp& out_response, const Cli
     out_response.__isset.sessionHandle = true;
 }
 
+void TestTCLIHandler::GetInfo(Cli::TGetInfoResp& out_response, const Cli::TGetInfoReq& in_request)
+{
+    if (m_refuseGetInfo)
+    {
+        out_response.status.__set_statusCode(Cli::TStatusCode::ERROR_STATUS);
+        out_response.status.__set_errorMessage("GetInfo is not allowed here");
+        return;
+    }
+    out_response.status.__set_statusCode(Cli::TStatusCode::SUCCESS_STATUS);
+    if (in_request.infoType == Cli::TGetInfoType::CLI_DBMS_NAME)
+    {
+        out_response.infoValue.__set_stringValue("Tarni Test Server");
+    }
+    else if (in_request.infoType == Cli::TGetInfoType::CLI_DBMS_VER)
+    {
+        out_response.infoValue.__set_stringValue("3.5.1");
+    }
+}
+
 void TestTCLIHandler::CloseSession(Cli::TCloseSessionResp& out_response, const Cli::TCloseSessionReq&)
 {
     ++m_closed;

@@ -21,6 +21,12 @@ public:
     void CloseSession(apache::hive::service::rpc::thrift::TCloseSessionResp& out_response,
                       const apache::hive::service::rpc::thrift::TCloseSessionReq& in_request) override;
 
+    /// Answers the server's name and version; refuses with an error status
+    /// after SetRefuseGetInfo(true).
+    void GetInfo(apache::hive::service::rpc::thrift::TGetInfoResp& out_response,
+                 const apache::hive::service::rpc::thrift::TGetInfoReq& in_request) override;
+    void SetRefuseGetInfo(bool in_refuse) { m_refuseGetInfo = in_refuse; }
+
     /// Whether a binary connection's OpenSession must carry credentials.
     void SetCheckRequestCredentials(bool in_check) { m_checkRequestCredentials = in_check; }
 
@@ -32,6 +38,7 @@ private:
     std::string m_password;
     std::string m_refusedUser;
     bool m_checkRequestCredentials = false;
+    bool m_refuseGetInfo = false;
     std::atomic<int> m_opened{0};
     std::atomic<int> m_closed{0};
 };

@@ -127,6 +127,7 @@ TestTCLIServer::TestTCLIServer(Options in_options)
 #ifdef SIGPIPE
     std::signal(SIGPIPE, SIG_IGN);
 #endif
+    m_handler->SetRefuseGetInfo(m_options.refuseGetInfo);
     m_handler->SetCheckRequestCredentials(m_options.mode == Mode::Binary && !m_options.user.empty());
     if (m_options.certificateFile.empty())
     {

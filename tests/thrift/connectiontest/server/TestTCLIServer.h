@@ -44,6 +44,8 @@ public:
         /// TLS with this certificate chain and key (PEM); none when empty.
         std::string certificateFile;
         std::string keyFile;
+        /// GetInfo answers with an error status.
+        bool refuseGetInfo = false;
         /// The highest TLS version offered ("1.1"...); empty: the library's.
         std::string maxTls;
         /// Kerberos with the service's keytab instead of user and password:

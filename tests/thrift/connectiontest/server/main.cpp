@@ -1,7 +1,7 @@
 // The test server as a program, for trying the connection test by hand and
 // for the terminal and Win32 flow tests:
 //   tarni-test-tcli-server MODE [--user U --password P] [--path /p]
-//                          [--cert FILE --key FILE] [--max-tls 1.1] [--keytab FILE]
+//                          [--cert FILE --key FILE] [--max-tls 1.1] [--keytab FILE] [--refuse-getinfo]
 // MODE is binary, sasl or http; with --keytab, sasl and http want Kerberos
 // (SASL GSSAPI, HTTP Negotiate) with that service keytab. Prints the port on the first line, then
 // serves until killed.
@@ -16,7 +16,7 @@ int main(int argc, char** argv)
     if (argc < 2)
     {
         std::cerr << "usage: tarni-test-tcli-server binary|sasl|http [--user U] [--password P] [--token T] "
-                     "[--path /p] [--cert FILE --key FILE] [--max-tls V] [--keytab FILE]\n";
+                     "[--path /p] [--cert FILE --key FILE] [--max-tls V] [--keytab FILE] [--refuse-getinfo]\n";
         return 2;
     }
     TestTCLIServer::Options options;
@@ -24,9 +24,20 @@ int main(int argc, char** argv)
     options.mode = mode == "sasl" ? TestTCLIServer::Mode::Sasl
                    : mode == "http" ? TestTCLIServer::Mode::Http
                                     : TestTCLIServer::Mode::Binary;
-    for (int i = 2; i + 1 < argc; i += 2)
+    for (int i = 2; i < argc; i += 2)
     {
         const std::string name = argv[i];
+        if (name == "--refuse-getinfo")
+        {
+            options.refuseGetInfo = true;
+            --i;
+            continue;
+        }
+        if (i + 1 >= argc)
+        {
+            std::cerr << "tarni-test-tcli-server: " << name << " needs a value\n";
+            return 2;
+        }
         const std::string value = argv[i + 1];
         if (name == "--user") options.user = value;
         else if (name == "--password") options.password = value;
