@@ -76,9 +76,5 @@ public:
 
     /// Closes a socket returned by Connect.
     static void Close(std::intptr_t in_socket);
-
-    /// Ends both directions of a connected socket, so that a send or receive
-    /// that another thread waits in returns at once; the socket stays open.
-    static void Shutdown(std::intptr_t in_socket);
 };
 }  // namespace Tarni::Platform

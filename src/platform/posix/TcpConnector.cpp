@@ -207,12 +207,4 @@ void TcpConnector::Close(std::intptr_t in_socket)
         ::close(static_cast<int>(in_socket));
     }
 }
-
-void TcpConnector::Shutdown(std::intptr_t in_socket)
-{
-    if (in_socket >= 0)
-    {
-        ::shutdown(static_cast<int>(in_socket), SHUT_RDWR);
-    }
-}
 }  // namespace Tarni::Platform

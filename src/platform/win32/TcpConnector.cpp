@@ -231,12 +231,4 @@ void TcpConnector::Close(std::intptr_t in_socket)
         ::closesocket(static_cast<SOCKET>(in_socket));
     }
 }
-
-void TcpConnector::Shutdown(std::intptr_t in_socket)
-{
-    if (in_socket != static_cast<std::intptr_t>(INVALID_SOCKET) && in_socket >= 0)
-    {
-        ::shutdown(static_cast<SOCKET>(in_socket), SD_BOTH);
-    }
-}
 }  // namespace Tarni::Platform

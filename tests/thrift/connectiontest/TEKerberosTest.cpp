@@ -131,7 +131,8 @@ TEST_F(KerberosTest, TicketOpensASessionOverSaslAndHttp)
         Target(server.Port(), "1");
         const auto outcome = Run();
         ASSERT_EQ(outcome.status, Status::Succeeded) << Text(outcome);
-        EXPECT_EQ(Steps(outcome), "connect:passed authentication:passed open-session:passed close-session:passed");
+        EXPECT_EQ(Steps(outcome), "resolve:passed connect:passed authentication:passed open-session:passed server-info:passed "
+                                  "close-session:passed");
         EXPECT_EQ(Detail(outcome, "authentication"), "Kerberos (SASL GSSAPI) as " + user + " for " + service);
         EXPECT_EQ(server.LastKerberosClient(), user);
         EXPECT_FALSE(server.LastKerberosDelegated());
@@ -194,7 +195,7 @@ TEST_F(KerberosTest, EachFailureNamesItsCauseAtTheAuthenticationStep)
         EXPECT_NE(Text(outcome).find("does not know the service principal hive/localhost@TARNI.TEST"),
                   std::string::npos)
             << Text(outcome);
-        EXPECT_EQ(Steps(outcome), "connect:passed authentication:failed");
+        EXPECT_EQ(Steps(outcome), "resolve:passed connect:passed authentication:failed");
     }
     {
         // The realm knows the service, but the server has not its keys.
@@ -218,7 +219,7 @@ TEST_F(KerberosTest, EachFailureNamesItsCauseAtTheAuthenticationStep)
         EXPECT_NE(Text(outcome).find("The Kerberos realm ELSEWHERE.TEST is not known to the realm of alice@TARNI.TEST"),
                   std::string::npos)
             << Text(outcome);
-        EXPECT_EQ(Steps(outcome), "connect:passed authentication:failed");
+        EXPECT_EQ(Steps(outcome), "resolve:passed connect:passed authentication:failed");
     }
     {
         SCOPED_TRACE("no ticket, over HTTP");
@@ -230,7 +231,7 @@ TEST_F(KerberosTest, EachFailureNamesItsCauseAtTheAuthenticationStep)
         EXPECT_EQ(outcome.status, Status::Failed);
         EXPECT_NE(Text(outcome).find("There is no Kerberos ticket"), std::string::npos) << Text(outcome);
         EXPECT_NE(Text(outcome).find("kinit"), std::string::npos) << Text(outcome);
-        EXPECT_EQ(Steps(outcome), "connect:passed authentication:failed");
+        EXPECT_EQ(Steps(outcome), "resolve:passed connect:passed authentication:failed");
         EXPECT_EQ(http.SessionsOpened(), 0);
     }
     {
@@ -241,7 +242,7 @@ TEST_F(KerberosTest, EachFailureNamesItsCauseAtTheAuthenticationStep)
         const auto outcome = Run();
         EXPECT_EQ(outcome.status, Status::Failed);
         EXPECT_NE(Text(outcome).find("The Kerberos ticket has expired"), std::string::npos) << Text(outcome);
-        EXPECT_EQ(Steps(outcome), "connect:passed authentication:failed");
+        EXPECT_EQ(Steps(outcome), "resolve:passed connect:passed authentication:failed");
     }
     EXPECT_EQ(server.SessionsOpened(), 0);
 }

@@ -179,7 +179,8 @@ TEST_F(ClientCredentialsTest, OpensTheSessionWithTheGrantedToken)
 {
     const auto outcome = Run();
     ASSERT_EQ(outcome.status, Status::Succeeded) << StringConverter::ToUtf8(outcome.errorText);
-    EXPECT_EQ(Steps(outcome), "token:passed connect:passed open-session:passed close-session:passed");
+    EXPECT_EQ(Steps(outcome), "token:passed resolve:passed connect:passed authentication:passed open-session:passed "
+                              "server-info:passed close-session:passed");
     EXPECT_EQ(m_server.LastHeaders()["authorization"], "Bearer " + TOKEN);
     EXPECT_EQ(m_endPoint.LastBody(), "grant_type=client_credentials&scope=sql+all");
 }
