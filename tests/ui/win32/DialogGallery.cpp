@@ -63,9 +63,6 @@ std::intptr_t Plain(IDialogWindow* in_window, std::uint32_t in_message, std::uin
     }
     return 0;
 }
-        return outcome;
-    }
-};
 }  // namespace
 
 int main(int argc, char** argv)
