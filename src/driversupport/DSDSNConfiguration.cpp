@@ -24,10 +24,11 @@ const char* const CLS = "DSDSNConfiguration";
 /// The largest maximum log file size the dialog accepts, in megabytes.
 constexpr unsigned long long MAX_LOG_FILE_SIZE_MB = 4096;
 
-/// Keys that belong to a data source or to the logging step, never to the driver-wide values.
-const tarni_wstring_view NOT_DRIVER_WIDE[] = {Keys::LogLevel, Keys::LogPath, Keys::LogFileCount, Keys::LogFileSize,
-                                              Keys::Driver,   Keys::DSN,     Keys::DESCRIPTION,  Keys::Host,
-                                              Keys::Port,     Keys::Schema};
+/// Keys written by the logging step, not with the driver-wide values.
+const tarni_wstring_view LOGGING_KEYS[] = {Keys::LogLevel, Keys::LogPath, Keys::LogFileCount, Keys::LogFileSize};
+/// Keys that belong to a data source only.
+const tarni_wstring_view DATA_SOURCE_ONLY[] = {Keys::Driver, Keys::DSN,  Keys::DESCRIPTION,
+                                               Keys::Host,   Keys::Port, Keys::Schema};
 
 /// Whether the installer has the data source under this driver's name.
 bool IsRegisteredWithDriver(tarni_wstring_view in_dsnName)
@@ -184,14 +185,26 @@ void DSDSNConfiguration::Load(const ConfigurationMap& in_values)
 
 bool DSDSNConfiguration::IsDriverWideKey(tarni_wstring_view in_key) const
 {
-    for (const tarni_wstring_view excluded : NOT_DRIVER_WIDE)
+    for (const tarni_wstring_view excluded : LOGGING_KEYS)
     {
         if (StringConverter::EqualsIgnoreCase(in_key, excluded))
         {
             return false;
         }
     }
-    return !IsNeverStoredKey(in_key);
+    return !IsDataSourceOnlyKey(in_key) && !IsNeverStoredKey(in_key);
+}
+
+bool DSDSNConfiguration::IsDataSourceOnlyKey(tarni_wstring_view in_key)
+{
+    for (const tarni_wstring_view key : DATA_SOURCE_ONLY)
+    {
+        if (StringConverter::EqualsIgnoreCase(in_key, key))
+        {
+            return true;
+        }
+    }
+    return false;
 }
 
 bool DSDSNConfiguration::IsSecretKey(tarni_wstring_view in_key) const

@@ -99,6 +99,10 @@ public:
     /// "Schema", and the keys that are never stored.
     bool IsDriverWideKey(tarni_wstring_view in_key) const;
 
+    /// True for "Driver", "DSN", "DESCRIPTION", "Host", "Port" and "Schema":
+    /// a data source keeps them, the driver-wide settings never do.
+    static bool IsDataSourceOnlyKey(tarni_wstring_view in_key);
+
     DSUidPwdConfiguration& GetCredentials() { return *m_credentials; }
     DSSSLConfiguration& GetSSLConfiguration() { return *m_ssl; }
     DSProxyConfiguration& GetProxyConfiguration() { return *m_proxy; }

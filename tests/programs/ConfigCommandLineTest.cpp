@@ -100,6 +100,9 @@ TEST_F(CommandLine, WrongCommandLinesAreUsageErrors)
     EXPECT_EQ(2, Run({"set", "novalue"}));
     EXPECT_EQ(2, Run({"get"}));
     EXPECT_EQ(2, Run({"--bogus", "show"}));
+    // The driver-wide settings do not keep a data source's host: refused, not "unchanged".
+    EXPECT_EQ(2, Run({"set", "Host=spark.example.com"}));
+    EXPECT_NE(std::string::npos, m_err.str().find("Host belongs to a data source")) << m_err.str();
     EXPECT_EQ(0, Run({"--help"}));
     EXPECT_NE(std::string::npos, m_out.str().find("Usage: tarni-spark-config"));
     EXPECT_FALSE(std::filesystem::exists(m_ini));

@@ -495,6 +495,13 @@ int ConfigCommandLine::Set(ConfigSettingsSession& io_session, const Operands& in
         {
             return Usage(U8(key) + " is kept by the ODBC installer and cannot be set");
         }
+        // The driver-wide settings never keep these: saying "unchanged"
+        // would hide that the value went nowhere.
+        if (!io_session.IsDataSource() && DriverSupport::DSDSNConfiguration::IsDataSourceOnlyKey(key))
+        {
+            return Usage(U8(key) + " belongs to a data source: use --dsn NAME set " + U8(key) +
+                         "=..., or give it to test as KEY=VALUE");
+        }
     }
     std::vector<ConfigSettingChecks::Setting> settings;
     for (const tarni_wstring& pair : in_operands)
