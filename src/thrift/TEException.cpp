@@ -11,6 +11,17 @@ TEException TEException::WithText(tarni_wstring in_messageKey, const std::string
     return TEException(std::move(in_messageKey), {ToParameter(in_text)});
 }
 
+TEException TEException::WithTexts(tarni_wstring in_messageKey, const std::vector<std::string>& in_texts)
+{
+    std::vector<tarni_wstring> parameters;
+    parameters.reserve(in_texts.size());
+    for (const std::string& text : in_texts)
+    {
+        parameters.push_back(ToParameter(text));
+    }
+    return TEException(std::move(in_messageKey), std::move(parameters));
+}
+
 tarni_wstring TEException::ToParameter(const std::string& in_text)
 {
     if (StringConverter::IsValidUtf8(in_text))

@@ -18,6 +18,9 @@ public:
     /// The key with one assembled UTF-8 text as its parameter.
     static TEException WithText(tarni_wstring in_messageKey, const std::string& in_text);
 
+    /// The key with UTF-8 texts as its parameters (see ToParameter).
+    static TEException WithTexts(tarni_wstring in_messageKey, const std::vector<std::string>& in_texts);
+
     /// A UTF-8 text as a parameter; bytes that are not UTF-8 become "?".
     static tarni_wstring ToParameter(const std::string& in_text);
 };

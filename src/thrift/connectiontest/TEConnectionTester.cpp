@@ -55,14 +55,9 @@ namespace
 const char* const NS = "Tarni::ThriftExtension";
 const char* const CLS = "TEConnectionTester";
 
-[[noreturn]] void Fail(const char16_t* in_key, std::vector<std::string> in_parameters)
+[[noreturn]] void Fail(const char16_t* in_key, const std::vector<std::string>& in_texts)
 {
-    std::vector<tarni_wstring> parameters;
-    for (const std::string& parameter : in_parameters)
-    {
-        parameters.push_back(TEException::ToParameter(parameter));
-    }
-    throw TEException(in_key, std::move(parameters));
+    throw TEException::WithTexts(in_key, in_texts);
 }
 
 // Thrift reports some events (a TLS shutdown during a failed handshake) on

@@ -28,14 +28,9 @@ const char* const CLS = "TEOAuthTokenRequest";
 /// The largest answer read from a token end point.
 constexpr std::size_t MAX_ANSWER = 1024 * 1024;
 
-[[noreturn]] void Fail(const char16_t* in_key, const std::vector<std::string>& in_parameters)
+[[noreturn]] void Fail(const char16_t* in_key, const std::vector<std::string>& in_texts)
 {
-    std::vector<tarni_wstring> parameters;
-    for (const std::string& parameter : in_parameters)
-    {
-        parameters.push_back(TEException::ToParameter(parameter));
-    }
-    throw TEException(in_key, std::move(parameters));
+    throw TEException::WithTexts(in_key, in_texts);
 }
 
 /// application/x-www-form-urlencoded, also used for the basic credentials.

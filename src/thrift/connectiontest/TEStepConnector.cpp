@@ -11,14 +11,9 @@ using Platform::TcpConnector;
 
 namespace
 {
-[[noreturn]] void Fail(const char16_t* in_key, std::vector<std::string> in_parameters)
+[[noreturn]] void Fail(const char16_t* in_key, const std::vector<std::string>& in_texts)
 {
-    std::vector<tarni_wstring> parameters;
-    for (const std::string& parameter : in_parameters)
-    {
-        parameters.push_back(TEException::ToParameter(parameter));
-    }
-    throw TEException(in_key, std::move(parameters));
+    throw TEException::WithTexts(in_key, in_texts);
 }
 
 std::string Seconds(int in_ms)
