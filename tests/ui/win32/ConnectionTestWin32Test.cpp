@@ -4,6 +4,8 @@
 // shows the outcome.
 #include "ui/win32/GuiDriver.h"
 
+#include <future>
+
 #include <gtest/gtest.h>
 
 #include "dialogs/driversupport/DSTestResultDialog.h"
@@ -48,6 +50,11 @@ protected:
         if (results == nullptr)
         {
             return L"(no Test Results dialog)";
+        }
+        // The attempt runs on a worker thread: the report appears when it ends.
+        for (int i = 0; i < 400 && GuiDriver::Text(results, IDC_TEST_RESULTS_TEXT).empty(); ++i)
+        {
+            ::Sleep(100);
         }
         std::wstring text = GuiDriver::Text(results, IDC_TEST_RESULTS_TEXT);
         GuiDriver::Click(results, IDOK);
@@ -99,34 +106,56 @@ TEST_F(ConnectionTestWin32Test, TestReportsTheServersAnswer)
     EXPECT_EQ(refused.find(L"wrong-pw"), std::wstring::npos);
 }
 
-// Records the cursor of the dialog's thread while the attempt runs.
-class CursorRecordingTester : public DriverSupport::IConnectionTester
+// Holds the attempt open until the test has looked at the cursor.
+class BlockingTester : public DriverSupport::IConnectionTester
 {
 public:
+    using IConnectionTester::TestConnection;
     Outcome TestConnection(const DriverSupport::DSDSNConfiguration&, DriverSupport::DSCancellation&) override
     {
-        m_cursor = ::GetCursor();
+        m_running.set_value();
+        m_release.get_future().wait();
         Outcome outcome;
         outcome.status = Outcome::Status::Succeeded;
         return outcome;
     }
-    HCURSOR m_cursor = nullptr;
+    std::promise<void> m_running;
+    std::promise<void> m_release;
 };
 
 TEST_F(ConnectionTestWin32Test, TheWaitCursorShowsWhileTheAttemptRuns)
 {
     ::SetCursor(::LoadCursorW(nullptr, IDC_ARROW));
-    CursorRecordingTester tester;
+    BlockingTester tester;
     DriverSupport::DSTestResultDialog::Input input{&m_configuration, &tester};
+    HCURSOR whileRunning = nullptr;
     GuiDriver::WhileModal(
         [&] {
-            if (HWND results = GuiDriver::WaitForDialog(L"Test Results", ::GetCurrentProcessId(),
-                                                        std::chrono::seconds(20)))
+            const bool running =
+                tester.m_running.get_future().wait_for(std::chrono::seconds(20)) == std::future_status::ready;
+            HWND results = GuiDriver::WaitForDialog(L"Test Results", ::GetCurrentProcessId(), std::chrono::seconds(20));
+            if (running && results != nullptr)
             {
+                // The cursor is state of the dialog thread's input: share it to read it.
+                const DWORD self = ::GetCurrentThreadId();
+                const DWORD dialogThread = ::GetWindowThreadProcessId(results, nullptr);
+                if (::AttachThreadInput(self, dialogThread, TRUE))
+                {
+                    whileRunning = ::GetCursor();
+                    ::AttachThreadInput(self, dialogThread, FALSE);
+                }
+            }
+            tester.m_release.set_value();
+            if (results != nullptr)
+            {
+                for (int i = 0; i < 100 && GuiDriver::Text(results, IDC_TEST_RESULTS_TEXT).empty(); ++i)
+                {
+                    ::Sleep(100);
+                }
                 GuiDriver::Click(results, IDOK);
             }
         },
         [&] { return DriverSupport::DSTestResultDialog::Show(nullptr, &input); });
-    EXPECT_EQ(tester.m_cursor, ::LoadCursorW(nullptr, IDC_WAIT));
+    EXPECT_EQ(whileRunning, ::LoadCursorW(nullptr, IDC_WAIT));
 }
 }  // namespace
