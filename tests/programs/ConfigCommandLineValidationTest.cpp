@@ -63,7 +63,7 @@ TEST_F(CommandLineChecks, InvalidValuesAreRefusedNamingKeyValueAndWhatIsAccepted
         {"LogFileSize=4097", "from 0 to 4096"},
         {"ThriftTransport=3", "\"2\" (HTTP)"},
         {"ServiceDiscoveryMode=zookeeper", "\"ZooKeeper\""},
-        {"Port=0", "from 1 to 65535"},
+        {"WebHDFSPort=0", "from 1 to 65535"},
         {"SSP_=1", "needs a name after its prefix"},
         {"http.header.=x", "needs a name after its prefix"},
     };

@@ -103,7 +103,7 @@ TEST_F(CommandLineTransfer, EveryKindOfValueSurvivesTheRoundTripAndNoSecretReach
 
 TEST_F(CommandLineTransfer, ImportReplacesTheConfigurationAndKeepsTheMachinesLoggingSettings)
 {
-    ASSERT_EQ(0, Run(m_ini, {"set", "SSP_old=1", "SocketTimeout=5", "LogLevel=3", "Host=h"}));
+    ASSERT_EQ(0, Run(m_ini, {"set", "SSP_old=1", "SocketTimeout=5", "LogLevel=3"}));
     ASSERT_EQ(0, Run(m_ini, {"import", "-"}, "SSP_new=2\r\nAuthMech=3\r\n"));
     const std::string ini = TempDirectory::ReadFile(m_ini);
     EXPECT_EQ(ini.find("SSP_old"), std::string::npos) << ini;
