@@ -22,6 +22,7 @@
 #include "thrift/connectiontest/TEConnectionTester.h"
 #include "thrift/connectiontest/TEHttpClientTransport.h"
 #include "thrift/connectiontest/TESaslClientTransport.h"
+#include "thrift/connectiontest/TestCertificates.h"
 #include "thrift/connectiontest/server/TestTCLIServer.h"
 
 namespace
@@ -39,25 +40,9 @@ using Status = IConnectionTester::Outcome::Status;
 
 const std::string PASSWORD = "S3cret-pw!";
 
-// The throw-away CA and certificates, which CTest's fixture makes on the host
-// before the tests (also for the Windows build, whose tests run under Wine).
-const std::filesystem::path& Certificates()
-{
-    static const std::filesystem::path folder = [] {
-        const std::filesystem::path path = TARNI_TEST_CERTIFICATES;
-        if (!std::filesystem::exists(path / "done"))
-        {
-            throw std::runtime_error("No test certificates in " + path.string() +
-                                     ": run the tests through ctest, or make-test-certs.sh with that folder");
-        }
-        return path;
-    }();
-    return folder;
-}
-
 std::string Cert(const std::string& in_name)
 {
-    return (Certificates() / in_name).string();
+    return Tarni::Testing::TestCertificates::File(in_name);
 }
 
 

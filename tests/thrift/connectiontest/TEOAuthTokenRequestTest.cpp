@@ -20,6 +20,7 @@
 #include "thrift/TEException.h"
 #include "thrift/connectiontest/TEConnectionTester.h"
 #include "thrift/connectiontest/TEOAuthTokenRequest.h"
+#include "thrift/connectiontest/TestCertificates.h"
 #include "thrift/connectiontest/server/TestTCLIServer.h"
 #include "thrift/connectiontest/server/TestTokenEndPoint.h"
 
@@ -40,21 +41,9 @@ using Status = IConnectionTester::Outcome::Status;
 const std::string CLIENT_SECRET = "cl1ent:s&cret";
 const std::string TOKEN = "eyJ0ZXN0In0.granted-token";
 
-std::filesystem::path Certificates()
+const std::filesystem::path& Certificates()
 {
-    static const std::filesystem::path folder = [] {
-        const auto path = std::filesystem::temp_directory_path() /
-                          ("tarni-token-certs-" +
-                           std::to_string(std::chrono::steady_clock::now().time_since_epoch().count()));
-        const std::string command =
-            "bash \"" + std::string(TARNI_TEST_SOURCE_DIR) + "/make-test-certs.sh\" \"" + path.string() + "\"";
-        if (std::system(command.c_str()) != 0)
-        {
-            throw std::runtime_error("make-test-certs.sh failed");
-        }
-        return path;
-    }();
-    return folder;
+    return Tarni::Testing::TestCertificates::Folder();
 }
 
 std::string KeyOf(const std::string& in_url)
