@@ -163,7 +163,14 @@ TEST_F(TestCommand, VerboseAndJsonListTheStepsUpToTheOneThatFailed)
         EXPECT_EQ(Steps(report), c.steps);
         EXPECT_EQ(report.at("steps").back().at("detail"), report.at("error"));
         EXPECT_NE(report.at("error").get<std::string>(), "");
+        EXPECT_EQ(m_err.str(), "") << "a failed test answers with its outcome object alone";
     }
+    // A real error still answers with the error object on standard error.
+    EXPECT_EQ(2, Run({"--json", "test", "nonsense"}));
+    EXPECT_EQ(m_out.str(), "");
+    const nlohmann::json error = nlohmann::json::parse(m_err.str());
+    EXPECT_EQ(error.at("exit"), 2);
+    EXPECT_NE(error.at("error").get<std::string>().find("nonsense"), std::string::npos);
 }
 
 // The session step: the server takes bob's credentials but refuses his session.

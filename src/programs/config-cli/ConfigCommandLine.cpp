@@ -83,7 +83,8 @@ const char* ConfigCommandLine::UsageText()
            "                        the given changes, which are not saved); prints the\n"
            "                        result, exit 0 when the session opened, 1 when not\n"
            "                        (or on Ctrl-C); --verbose adds each step with its\n"
-           "                        time, --json prints one object with the steps\n"
+           "                        time, --json prints one object with the steps (and\n"
+           "                        on a failed test nothing on standard error)\n"
            "  diff FILE             print what import FILE would change, key by key:\n"
            "                        + added, - removed, ~ changed (secrets by name only)\n"
            "\n"
@@ -207,12 +208,15 @@ void ConfigCommandLine::WriteJsonDiagnostics(int in_result)
             errors.push_back(line);
         }
     }
-    if (in_result == RESULT_OK && warnings.empty())
+    // A test that ran and failed has said so in its outcome object; only a
+    // real error (bad arguments, an unreadable store) adds one of its own.
+    const bool failed = in_result != RESULT_OK && !(m_options.outcomeReported && errors.empty());
+    if (!failed && warnings.empty())
     {
         return;
     }
     nlohmann::ordered_json report;
-    if (in_result != RESULT_OK)
+    if (failed)
     {
         report["error"] = errors.empty() ? std::string("failed") : errors.front().get<std::string>();
         report["exit"] = in_result;
@@ -646,8 +650,10 @@ int ConfigCommandLine::Test(ConfigSettingsSession& io_session, const Operands& i
     {
         operands.push_back(u"--json");
     }
-    return ConfigTestCommand(m_out, Err(), ThriftExtension::TEConnectionTesterFactory::GetDefault())
-        .Run(io_session.GetConfiguration(), operands);
+    const int result = ConfigTestCommand(m_out, Err(), ThriftExtension::TEConnectionTesterFactory::GetDefault())
+                           .Run(io_session.GetConfiguration(), operands);
+    m_options.outcomeReported = result == RESULT_FAILURE;
+    return result;
 }
 
 int ConfigCommandLine::ListDataSources(ConfigSettingsSession&, const Operands&)

@@ -53,6 +53,9 @@ private:
         bool systemDsn = false;
         bool json = false;
         bool check = false;
+        /// A failed test printed its outcome object: with --json that object
+        /// alone answers, and no error object follows on standard error.
+        bool outcomeReported = false;
     };
 
     /// One command: its name ("dsn add" for the data-source actions), what
