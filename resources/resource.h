@@ -217,7 +217,6 @@
 #define IDS_TEST_DRIVER_VERSION         1101
 #define IDS_TEST_BITNESS                1102
 #define IDS_TEST_LOCALE                 1103
-#define IDS_TEST_NOT_AVAILABLE          1104
 #define IDS_TEST_CONNECTING             1105
 #define IDS_TEST_STEPS                  1106
 #define IDS_TEST_STEP_LINE              1107

@@ -1,8 +1,7 @@
 #pragma once
 // The connection attempt behind the Test button of the DSN setup: it takes a
 // data source's configuration and tries to connect with it. The Thrift
-// layer's TEConnectionTester implements it; a build without Apache Thrift uses
-// DSUnavailableConnectionTester, which says so.
+// layer's TEConnectionTester implements it.
 #include <vector>
 
 #include "core/TarniString.h"
@@ -21,10 +20,9 @@ public:
         enum class Status
         {
             Succeeded,
-            Failed,       ///< errorText says why
-            Unavailable,  ///< this build cannot attempt a connection
+            Failed,  ///< errorText says why
         };
-        Status status = Status::Unavailable;
+        Status status = Status::Failed;
         tarni_wstring errorText;
         /// The ODBC version of the driver manager used, empty when not known.
         tarni_wstring odbcVersion;

@@ -11,12 +11,10 @@
 #include "core/ILogger.h"
 #include "core/TarniString.h"
 
-#ifdef TARNI_HAVE_THRIFT
 namespace apache::thrift::transport
 {
 class TTransportException;
 }
-#endif
 
 namespace Tarni::ThriftExtension
 {
@@ -72,12 +70,10 @@ public:
     /// handshake failed. Returns for any other text.
     static void TranslateTransportErrorText(std::string_view in_text, bool in_isSasl);
 
-#ifdef TARNI_HAVE_THRIFT
     /// Rethrows the exception a transport error wraps; otherwise translates
     /// its text as above, and returns when the caller must handle it as is.
     static void TranslateTransportException(const apache::thrift::transport::TTransportException& in_error,
                                             bool in_isSasl);
-#endif
 
     /// The stored-secret entry of the private key file's password: the plain
     /// connection key "keyFilePassword" and its protected form

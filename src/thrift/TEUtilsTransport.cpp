@@ -1,5 +1,4 @@
-// The part of TEUtils that needs Apache Thrift's transport types; built only
-// where a Thrift build is available (TARNI_HAVE_THRIFT).
+// The part of TEUtils that needs Apache Thrift's transport types.
 #include <exception>
 
 #include <thrift/transport/TTransportException.h>

@@ -10,9 +10,7 @@
 #include "thrift/TECatalogRemovalPatternCache.h"
 #include "thrift/TEUtils.h"
 
-#ifdef TARNI_HAVE_THRIFT
 #include <thrift/transport/TTransportException.h>
-#endif
 
 using namespace Tarni;
 using namespace Tarni::ThriftExtension;
@@ -256,7 +254,6 @@ TEST(TEUtilsTest, TransportErrorTextTranslation)
     EXPECT_NO_THROW(TEUtils::TranslateTransportErrorText("No more data to read.", true));
 }
 
-#ifdef TARNI_HAVE_THRIFT
 TEST(TEUtilsTest, TransportExceptionTranslation)
 {
     using apache::thrift::transport::TTransportException;
@@ -289,7 +286,6 @@ TEST(TEUtilsTest, TransportExceptionTranslation)
         }
     }
 }
-#endif
 
 TEST(TEUtilsTest, KeyFilePasswordKeys)
 {

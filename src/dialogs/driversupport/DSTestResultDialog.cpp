@@ -4,7 +4,6 @@
 
 #include "dialogs/driversupport/DSTestRun.h"
 #include "driversupport/DSProductHelper.h"
-#include "driversupport/DSUnavailableConnectionTester.h"
 #include "resource.h"
 
 namespace Tarni::DriverSupport
@@ -91,10 +90,8 @@ void DSTestResultDialog::Initialize(IDialogWindow* in_window, Input* in_input)
     TARNI_LOG_ENTRY(in_input->configuration->GetLog(), NS, CLS, "Initialize");
     CenterDialog(in_window);
     SetWaitCursor(LoadResourceString(IDS_TEST_CONNECTING));
-    IConnectionTester& tester =
-        in_input->tester != nullptr ? *in_input->tester : DSUnavailableConnectionTester::Instance();
     in_window->SetItemText(IDOK, LoadResourceString(IDS_CANCEL));
-    in_window->SetProperty(RUN_PROPERTY, new DSTestRun(tester, *in_input->configuration));
+    in_window->SetProperty(RUN_PROPERTY, new DSTestRun(*in_input->tester, *in_input->configuration));
     in_window->SetTimer(POLL_TIMER, POLL_INTERVAL_MS);
 }
 
@@ -111,8 +108,7 @@ void DSTestResultDialog::DoTimerAction(IDialogWindow* in_window)
     {
         const char* status = run->IsCancelled()                                               ? "was cancelled"
                              : outcome.status == IConnectionTester::Outcome::Status::Succeeded ? "succeeded"
-                             : outcome.status == IConnectionTester::Outcome::Status::Failed    ? "failed"
-                                                                                               : "is not available";
+                                                                                               : "failed";
         logger->LogInfo(NS, CLS, "DoTimerAction", "Connection test %s.", status);
     }
     const auto load = [](unsigned in_id) { return LoadResourceString(in_id); };
@@ -138,9 +134,6 @@ tarni_wstring DSTestResultDialog::FormatReport(const IConnectionTester::Outcome&
             break;
         case IConnectionTester::Outcome::Status::Failed:
             report = in_loadString(IDS_TEST_FAILED) + in_outcome.errorText;
-            break;
-        case IConnectionTester::Outcome::Status::Unavailable:
-            report = in_loadString(IDS_TEST_NOT_AVAILABLE);
             break;
     }
     if (!in_outcome.odbcVersion.empty())

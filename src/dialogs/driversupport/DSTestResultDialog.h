@@ -20,7 +20,7 @@ public:
     struct Input
     {
         DSDSNConfiguration* configuration = nullptr;
-        IConnectionTester* tester = nullptr;
+        IConnectionTester* tester = nullptr;  ///< required
     };
 
     /// Runs the dialog; true after OK. An ErrorException of the attempt (or
@@ -41,8 +41,8 @@ public:
     /// How often the dialog looks whether the attempt finished.
     static constexpr unsigned POLL_INTERVAL_MS = 100;
 
-    /// The report of an outcome: string 1095 (success), 1094 and the error
-    /// (failure) or 1104 (no connection testing in this build); then the ODBC
+    /// The report of an outcome: string 1095 (success) or 1094 and the error
+    /// (failure); then the ODBC
     /// version, the driver version, the bitness and the locale lines. A line
     /// whose value the tester could not tell is left out.
     static tarni_wstring FormatReport(const IConnectionTester::Outcome& in_outcome);

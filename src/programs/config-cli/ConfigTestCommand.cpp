@@ -68,16 +68,11 @@ const char* StatusName(DSTestStep::Status in_status)
 
 const char* OutcomeName(const IConnectionTester::Outcome& in_outcome, bool in_cancelled)
 {
-    switch (in_outcome.status)
+    if (in_outcome.status == IConnectionTester::Outcome::Status::Succeeded)
     {
-        case IConnectionTester::Outcome::Status::Succeeded:
-            return "succeeded";
-        case IConnectionTester::Outcome::Status::Failed:
-            return in_cancelled ? "cancelled" : "failed";
-        case IConnectionTester::Outcome::Status::Unavailable:
-            break;
+        return "succeeded";
     }
-    return "unavailable";
+    return in_cancelled ? "cancelled" : "failed";
 }
 }  // namespace
 

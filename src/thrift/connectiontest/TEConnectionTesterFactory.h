@@ -1,7 +1,6 @@
 #pragma once
 // Who answers the Test button and the command line's test: the Thrift
-// connection tester where this build has Apache Thrift and OpenSSL, otherwise
-// the tester that says connection testing is not available.
+// connection tester, which every build carries.
 #include "driversupport/IConnectionTester.h"
 
 namespace Tarni::ThriftExtension

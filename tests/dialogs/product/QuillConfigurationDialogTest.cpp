@@ -4,7 +4,6 @@
 #include <algorithm>
 
 #include "dialogs/MainDialogTestSupport.h"
-#include "driversupport/DSUnavailableConnectionTester.h"
 #include "driversupport/ConfigurationKeys.h"
 #include "core/ComponentId.h"
 #include "core/ErrorException.h"
@@ -512,31 +511,24 @@ TEST_F(QuillConfigurationDialogTest, TestRunsWithTheDialogsValuesAndPutsTheNoPro
     EXPECT_EQ(m_host.GetWaitCursorCount(), 1);
 }
 
-TEST_F(QuillConfigurationDialogTest, TheTestReportSaysFailedOrNotAvailable)
+TEST_F(QuillConfigurationDialogTest, TheTestReportSaysFailedWithTheError)
 {
     RecordingTester failing;
     failing.outcome = {IConnectionTester::Outcome::Status::Failed, u"[Tarni] Connection refused.", u"03.80", u""};
-    const std::pair<IConnectionTester*, tarni_wstring> cases[] = {
-        {&failing, u"FAILED!\r\n\r\n[Tarni] Connection refused.\r\n\r\nODBC Version: 03.80\r\nDriver Version: "
-                   u"2.7.5.1012\r\nBitness: 64-bit"},
-        {&DriverSupport::DSUnavailableConnectionTester::Instance(), u"Connection testing is not available in this build.\r\nDriver Version: 2.7.5.1012\r\nBitness: "
-                  u"64-bit"},
-    };
-    for (const auto& [tester, expected] : cases)
-    {
-        Run(
-            IDD_DSN_SETUP,
-            [&](Window& w) {
-                FillDsnBasics(w);
-                m_host.ExpectDialog(IDD_TEST_RESULTS, [&](Window& t) {
-                    EXPECT_EQ(t.Text(IDC_TEST_RESULTS_TEXT), expected);
-                    t.PressEscape();
-                });
-                w.Click(IDC_TEST);
-                w.Click(IDCANCEL);
-            },
-            [&](QuillConfigurationDialog& d) { d.SetConnectionTester(tester); });
-    }
+    Run(
+        IDD_DSN_SETUP,
+        [&](Window& w) {
+            FillDsnBasics(w);
+            m_host.ExpectDialog(IDD_TEST_RESULTS, [&](Window& t) {
+                EXPECT_EQ(t.Text(IDC_TEST_RESULTS_TEXT),
+                          u"FAILED!\r\n\r\n[Tarni] Connection refused.\r\n\r\nODBC Version: 03.80\r\nDriver Version: "
+                          u"2.7.5.1012\r\nBitness: 64-bit");
+                t.PressEscape();
+            });
+            w.Click(IDC_TEST);
+            w.Click(IDCANCEL);
+        },
+        [&](QuillConfigurationDialog& d) { d.SetConnectionTester(&failing); });
 }
 
 TEST_F(QuillConfigurationDialogTest, AnErrorDuringTheTestPutsEverythingBackBeforeItIsShown)
