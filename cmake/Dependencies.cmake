@@ -22,10 +22,16 @@ if(WIN32)
   else()
     set(TARNI_CROSS_CACHE "$ENV{HOME}/.cache/tarni-cross")
   endif()
-  # tarni_cross_prefix(<var> <name>): the newest complete cross build of <name>.
+  # tarni_cross_prefix(<var> <name> [<built-against>]): the newest complete
+  # cross build of <name> (built against <built-against>, which its script
+  # appends to the folder name after a "+").
   function(tarni_cross_prefix out name)
+    set(against "")
+    if(ARGC GREATER 2)
+      set(against "+${ARGV2}")
+    endif()
     # A version starts with a digit: openssl-* must not match openssl-static-*.
-    file(GLOB candidates LIST_DIRECTORIES true "${TARNI_CROSS_CACHE}/${name}-[0-9]*")
+    file(GLOB candidates LIST_DIRECTORIES true "${TARNI_CROSS_CACHE}/${name}-[0-9]*${against}")
     list(SORT candidates COMPARE NATURAL ORDER DESCENDING)
     foreach(dir IN LISTS candidates)
       if(EXISTS "${dir}/.complete")
@@ -87,9 +93,15 @@ if(WIN32)
     message(STATUS "OpenSSL for the cross target not found; run scripts/build-openssl-mingw.sh")
   endif()
 
-  # Apache Thrift: found here for src/thrift, which looks for it by these names.
-  tarni_cross_prefix(thrift_prefix thrift)
-  if(thrift_prefix AND TARGET tarni_openssl_ssl_static)
+  # Apache Thrift: found here for src/thrift, which looks for it by these
+  # names; only a build made against this OpenSSL is taken.
+  set(thrift_prefix "")
+  if(TARGET tarni_openssl_ssl_static)
+    get_filename_component(openssl_build "${TARNI_OPENSSL_PREFIX}" NAME)
+    string(REPLACE "openssl-static-" "openssl-" openssl_build "${openssl_build}")
+    tarni_cross_prefix(thrift_prefix thrift "${openssl_build}")
+  endif()
+  if(thrift_prefix)
     find_path(TARNI_THRIFT_INCLUDE_DIR thrift/transport/TTransportException.h
       PATHS ${thrift_prefix}/include NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH NO_CACHE)
     find_library(TARNI_THRIFT_LIBRARY NAMES libthrift.a libthriftMD.a

@@ -10,7 +10,8 @@ here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 bash "$here/build-openssl-mingw.sh"
 source "$here/cross-common.sh"
 openssl=$(tarni_cross_cached openssl-static)
-if tarni_cross_prepare thrift thrift; then
+# The cache folder names the OpenSSL build too: a new OpenSSL rebuilds Thrift.
+if tarni_cross_prepare thrift thrift "openssl-${openssl##*/openssl-static-}"; then
   echo "build-thrift-mingw: reusing $tarni_cross_prefix ($(tarni_cross_elapsed))"
   exit 0
 fi

@@ -38,31 +38,34 @@ tarni_cross_enable_deb_src() {
   $sudo apt-get update -qq
 }
 
-# tarni_cross_prepare NAME SOURCE-PACKAGE
+# tarni_cross_prepare NAME SOURCE-PACKAGE [BUILT-AGAINST]
 # Sets tarni_cross_prefix to the cache folder. Returns 0 when a complete build
 # of one of the archive's versions is cached already (newest first); otherwise
 # fetches the newest version whose source can be downloaded (the newest may
 # exist only as a binary in the security archive), unpacks it with Debian's
 # patches applied, sets tarni_cross_src and tarni_cross_work and returns 1.
+# BUILT-AGAINST (such as openssl-3.0.20-1~deb12u2) names what the build links
+# and becomes part of the folder name (<name>-<version>+<built-against>), so
+# that a new version of it makes a new build instead of reusing the old one.
 tarni_cross_prepare() {
-  local name=$1 pkg=$2 v work
+  local name=$1 pkg=$2 suffix=${3:++$3} v work
   tarni_cross_enable_deb_src "$pkg"
   local versions
   versions=$(apt-cache showsrc "$pkg" | awk '/^Version:/ {print $2}' | sort -uVr)
   [ -n "$versions" ] || { echo "build-$name-mingw: no source package $pkg in the archive" >&2; exit 1; }
   for v in $versions; do
-    if [ -f "$tarni_cross_root/$name-$v/.complete" ]; then
-      tarni_cross_prefix=$tarni_cross_root/$name-$v
+    if [ -f "$tarni_cross_root/$name-$v$suffix/.complete" ]; then
+      tarni_cross_prefix=$tarni_cross_root/$name-$v$suffix
       return 0
     fi
   done
   mkdir -p "$tarni_cross_root/.work"
   for v in $versions; do
-    work=$tarni_cross_root/.work/$name-$v
+    work=$tarni_cross_root/.work/$name-$v$suffix
     rm -rf "$work"; mkdir -p "$work"
     if (cd "$work" && apt-get source --download-only "$pkg=$v" >/dev/null 2>&1); then
       (cd "$work" && dpkg-source -x --no-check "${pkg}_${v#*:}.dsc" src >/dev/null)
-      tarni_cross_prefix=$tarni_cross_root/$name-$v
+      tarni_cross_prefix=$tarni_cross_root/$name-$v$suffix
       tarni_cross_src=$work/src
       tarni_cross_work=$work
       rm -rf "$tarni_cross_prefix"
