@@ -116,6 +116,11 @@ void DSTestResultDialog::DoTimerAction(IDialogWindow* in_window)
     in_window->SetItemText(IDC_TEST_RESULTS_TEXT, FormatReport(outcome, load) + FormatSteps(outcome, load));
     in_window->SetItemText(IDOK, LoadResourceString(IDS_OK));
     in_window->EnableItem(IDOK, true);
+    // The report is read from its start: the field takes the focus (which
+    // selects its whole text) and then the caret goes to the start with
+    // nothing selected, so the arrow keys scroll it and Enter still says OK.
+    in_window->SetFocusItem(IDC_TEST_RESULTS_TEXT);
+    in_window->EditSetSel(IDC_TEST_RESULTS_TEXT, 0, 0);
 }
 
 tarni_wstring DSTestResultDialog::FormatReport(const IConnectionTester::Outcome& in_outcome)

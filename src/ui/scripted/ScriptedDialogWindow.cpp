@@ -393,12 +393,30 @@ void ScriptedDialogWindow::SetItemText(int in_id, tarni_wstring_view in_text)
         return;
     }
     control->text = tarni_wstring(in_text);
+    // WM_SETTEXT leaves an edit's caret at the start with nothing selected.
+    control->selectionStart = control->selectionEnd = 0;
     // A single-line edit control notifies its parent of a text set by code too.
     if (control->source->kind == ControlKind::Edit && !control->source->HasStyle(DialogStyle::ES_MULTILINE))
     {
         Command(in_id, EN_UPDATE);
         Command(in_id, EN_CHANGE);
     }
+}
+
+void ScriptedDialogWindow::SetFocusItem(int in_id)
+{
+    m_focus = in_id;
+    // WM_NEXTDLGCTL selects the whole text of the edit control it focuses.
+    if (DialogControlState* control = Of(in_id, ControlKind::Edit))
+    {
+        control->SetEditSelection(0, -1, static_cast<int>(control->text.size()));
+    }
+}
+
+std::pair<int, int> ScriptedDialogWindow::EditSelection(int in_id) const
+{
+    const DialogControlState* control = Find(in_id);
+    return control != nullptr ? std::pair{control->selectionStart, control->selectionEnd} : std::pair{0, 0};
 }
 
 void ScriptedDialogWindow::EnableItem(int in_id, bool in_enable)

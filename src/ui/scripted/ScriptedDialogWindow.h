@@ -8,6 +8,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "ui/IDialogHost.h"
@@ -53,6 +54,8 @@ public:
     int Selection(int in_id) const;
     /// The text of the selected combo or list entry, empty when none.
     tarni_wstring SelectedText(int in_id) const;
+    /// The selection of an edit control (start, end); the caret is at the end.
+    std::pair<int, int> EditSelection(int in_id) const;
 
     bool IsEnded() const { return m_ended; }
     /// Whether the dialog has a timer running.
@@ -90,7 +93,7 @@ public:
     bool IsItemEnabled(int in_id) override { return Enabled(in_id); }
     void ShowItem(int in_id, bool in_show) override;
     bool IsItemVisible(int in_id) override { return Visible(in_id); }
-    void SetFocusItem(int in_id) override { m_focus = in_id; }
+    void SetFocusItem(int in_id) override;
     bool IsButtonChecked(int in_id) override { return Checked(in_id); }
     void CheckButton(int in_id, bool in_checked) override;
     int ComboAddString(int in_id, tarni_wstring_view in_text) override;

@@ -457,7 +457,33 @@ void TerminalDialogWindow::EditSetSel(int in_id, int in_start, int in_end)
     if (TerminalControl* control = Of(in_id, ControlKind::Edit))
     {
         control->SetEditSelection(in_start, in_end, static_cast<int>(TextOf(*control).size()));
+        if (control->IsMultiLineEdit())
+        {
+            // As EM_SETSEL does, the caret is scrolled into view.
+            const int caretLine = MultiLineCaret(*control).first;
+            const int rows = std::max(control->cells.rect.rows - (MultiLineFramed(*control) ? 2 : 0), 1);
+            control->firstLine = std::clamp(control->firstLine, caretLine - rows + 1, caretLine);
+        }
     }
+}
+
+bool TerminalDialogWindow::MultiLineFramed(const TerminalControl& in_control)
+{
+    return in_control.cells.rect.rows >= 3 && in_control.cells.rect.cols >= 4;
+}
+
+std::pair<int, int> TerminalDialogWindow::MultiLineCaret(const TerminalControl& in_control)
+{
+    // The text up to the caret, wrapped as the field shows it: its last line
+    // is the caret's line, and the caret stands after that line's text.
+    const int columns = std::max(in_control.cells.rect.cols - (MultiLineFramed(in_control) ? 2 : 0), 1);
+    const auto caret = std::min(static_cast<std::size_t>(std::max(in_control.selectionEnd, 0)), in_control.text.size());
+    const auto lines = TerminalText::Wrap(TerminalText::ToWide(in_control.text.substr(0, caret)), columns);
+    if (lines.empty())
+    {
+        return {0, 0};
+    }
+    return {static_cast<int>(lines.size()) - 1, std::min(static_cast<int>(lines.back().size()), columns - 1)};
 }
 
 void TerminalDialogWindow::EditReplaceSel(int in_id, tarni_wstring_view in_text)
@@ -1079,7 +1105,7 @@ void TerminalDialogWindow::DrawControl(int in_index, bool in_isTop)
     }
     if (control.IsMultiLineEdit())
     {
-        const bool framed = rect.rows >= 3 && rect.cols >= 4;
+        const bool framed = MultiLineFramed(control);
         if (framed)
         {
             DrawBox(rect.row, rect.col, rect.Bottom() - 1, rect.Right() - 1, nullptr, state | (focused ? A_BOLD : 0));
@@ -1088,6 +1114,17 @@ void TerminalDialogWindow::DrawControl(int in_index, bool in_isTop)
         const int rows = rect.rows - 2 * inner;
         const auto lines = TerminalText::Wrap(TerminalText::ToWide(control.text), rect.cols - 2 * inner);
         control.firstLine = std::clamp(control.firstLine, 0, std::max(static_cast<int>(lines.size()) - rows, 0));
+        if (focused)
+        {
+            // The cursor stands at the caret while the caret's line is in view.
+            const auto [caretLine, caretCol] = MultiLineCaret(control);
+            const int y = WindowRow(rect.row + inner + caretLine - control.firstLine);
+            if (caretLine >= control.firstLine && caretLine < control.firstLine + rows && y >= 0)
+            {
+                m_caretRow = y;
+                m_caretCol = col + inner + caretCol;
+            }
+        }
         ::wattr_set(m_window, state, 0, nullptr);
         for (int i = 0; i < rows && control.firstLine + i < static_cast<int>(lines.size()); ++i)
         {

@@ -13,6 +13,7 @@
 #include <curses.h>
 
 #include <map>
+#include <utility>
 #include <vector>
 
 #include "ui/IDialogHost.h"
@@ -134,6 +135,10 @@ private:
     int WindowRow(int in_row) const;
     int DefaultButtonIndex() const;
     void DrawControl(int in_index, bool in_isTop);
+    /// Whether a multi-line edit is drawn in a frame (room for one).
+    static bool MultiLineFramed(const TerminalControl& in_control);
+    /// The line (of the wrapped text) and column of a multi-line edit's caret.
+    static std::pair<int, int> MultiLineCaret(const TerminalControl& in_control);
     void DrawLabel(int in_row, int in_col, int in_cols, const MnemonicText& in_label, attr_t in_attributes,
                    bool in_showMnemonic);
     void DrawBox(int in_top, int in_left, int in_bottom, int in_right, const MnemonicText* in_title,

@@ -89,6 +89,9 @@ TEST_F(DSTestResultDialogTest, TheReportComesFirstAndTheStepsFollow)
     m_host.ExpectDialog(IDD_TEST_RESULTS, [&](ScriptedDialogWindow& w) {
         report = w.Text(IDC_TEST_RESULTS_TEXT);
         button = w.Text(IDOK);
+        // The report is read from its start: focused, caret at 0, nothing selected.
+        EXPECT_EQ(w.GetFocusItem(), IDC_TEST_RESULTS_TEXT);
+        EXPECT_EQ(w.EditSelection(IDC_TEST_RESULTS_TEXT), (std::pair{0, 0}));
         w.Click(IDOK);
     });
     EXPECT_TRUE(ShowWith(tester));
@@ -124,6 +127,9 @@ TEST_F(DSTestResultDialogTest, TheButtonCancelsARunningTestAndThenShowsWhatItGot
                   tarni_wstring::npos);
         EXPECT_EQ(w.Text(IDOK), u"OK");
         EXPECT_TRUE(w.Enabled(IDOK));
+        // The focus left the disabled button for the report, at its start.
+        EXPECT_EQ(w.GetFocusItem(), IDC_TEST_RESULTS_TEXT);
+        EXPECT_EQ(w.EditSelection(IDC_TEST_RESULTS_TEXT), (std::pair{0, 0}));
         w.Click(IDOK);
     });
     EXPECT_TRUE(ShowWith(tester));

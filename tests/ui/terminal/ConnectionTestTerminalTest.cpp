@@ -7,6 +7,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <memory>
@@ -76,6 +77,11 @@ TEST_F(ConnectionTestTerminal, TestOpensASessionAndShowsTheReport)
     EXPECT_NE(m_session->Screen().find("Bitness: 64-bit"), std::string::npos);
     EXPECT_NE(m_session->Screen().find("Steps:"), std::string::npos) << m_session->Screen();
     EXPECT_NE(m_session->Screen().find("Name resolution - passed ("), std::string::npos) << m_session->Screen();
+    // The report has the focus with its caret at the start: the cursor
+    // stands on the report's first line.
+    const std::string screen = m_session->Screen();
+    const int firstLine = static_cast<int>(std::count(screen.begin(), screen.begin() + screen.find("SUCCESS!"), '\n'));
+    EXPECT_EQ(m_session->CursorRow(), firstLine) << screen;
     EXPECT_EQ(server.SessionsClosed(), 1);
     m_session->Key("Enter");  // OK of Test Results
     m_session->Key("Escape");

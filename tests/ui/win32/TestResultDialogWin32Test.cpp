@@ -67,6 +67,35 @@ public:
     }
 };
 
+// Where the dialog's thread has its keyboard focus, once the report is in
+// the field: whether the field has it, and the field's selection.
+struct ReportFocus
+{
+    bool fieldFocused = false;
+    DWORD selectionStart = 1;
+    DWORD selectionEnd = 1;
+};
+
+ReportFocus WaitForReportFocus(HWND in_dialog)
+{
+    HWND field = ::GetDlgItem(in_dialog, IDC_TEST_RESULTS_TEXT);
+    ReportFocus focus;
+    for (int i = 0; i < 100 && !focus.fieldFocused; ++i)
+    {
+        GUITHREADINFO info{};
+        info.cbSize = sizeof(info);
+        focus.fieldFocused = ::GetGUIThreadInfo(::GetWindowThreadProcessId(in_dialog, nullptr), &info) != FALSE &&
+                             info.hwndFocus == field;
+        if (!focus.fieldFocused)
+        {
+            ::Sleep(30);
+        }
+    }
+    ::SendMessageW(field, EM_GETSEL, reinterpret_cast<WPARAM>(&focus.selectionStart),
+                   reinterpret_cast<LPARAM>(&focus.selectionEnd));
+    return focus;
+}
+
 class TestResultDialogWin32 : public ::testing::Test
 {
 protected:
@@ -84,6 +113,7 @@ TEST_F(TestResultDialogWin32, TheStepsFollowTheReport)
     DSTestResultDialog::Input input{&m_configuration, &tester};
     std::wstring report;
     std::wstring button;
+    ReportFocus focus;
     const bool result = GuiDriver::WhileModal(
         [&] {
             HWND dialog = GuiDriver::WaitForDialog(L"Test Results", ::GetCurrentProcessId());
@@ -93,6 +123,7 @@ TEST_F(TestResultDialogWin32, TheStepsFollowTheReport)
                 ::Sleep(100);
             }
             report = GuiDriver::Text(dialog, IDC_TEST_RESULTS_TEXT);
+            focus = WaitForReportFocus(dialog);
             button = GuiDriver::Text(dialog, IDOK);
             GuiDriver::Click(dialog, IDOK);
             GuiDriver::WaitForClose(dialog);
@@ -105,6 +136,10 @@ TEST_F(TestResultDialogWin32, TheStepsFollowTheReport)
                           L"\r\nOpenSession - passed (31 ms): protocol version 9"),
               std::wstring::npos);
     EXPECT_EQ(button, L"OK");
+    // The report is read from its start: the caret there and nothing selected.
+    EXPECT_TRUE(focus.fieldFocused);
+    EXPECT_EQ(focus.selectionStart, 0u);
+    EXPECT_EQ(focus.selectionEnd, 0u);
 }
 
 TEST_F(TestResultDialogWin32, TheButtonSaysCancelAndStopsTheRunningTest)
@@ -114,6 +149,7 @@ TEST_F(TestResultDialogWin32, TheButtonSaysCancelAndStopsTheRunningTest)
     DSTestResultDialog::Input input{&m_configuration, &tester};
     std::wstring labelWhileRunning;
     std::wstring report;
+    ReportFocus focus;
     std::chrono::steady_clock::duration stopped{};
     const bool result = GuiDriver::WhileModal(
         [&] {
@@ -129,6 +165,7 @@ TEST_F(TestResultDialogWin32, TheButtonSaysCancelAndStopsTheRunningTest)
             }
             stopped = std::chrono::steady_clock::now() - start;
             report = GuiDriver::Text(dialog, IDC_TEST_RESULTS_TEXT);
+            focus = WaitForReportFocus(dialog);
             GuiDriver::Click(dialog, IDOK);
             GuiDriver::WaitForClose(dialog);
         },
@@ -139,4 +176,8 @@ TEST_F(TestResultDialogWin32, TheButtonSaysCancelAndStopsTheRunningTest)
     EXPECT_LT(stopped, std::chrono::seconds(3));
     EXPECT_EQ(report.rfind(L"FAILED!\r\n\r\nThe test was cancelled.", 0), 0u);
     EXPECT_NE(report.find(L"\r\nTCP connection - failed (400 ms): The test was cancelled."), std::wstring::npos);
+    // The focus left the disabled button for the report, at its start.
+    EXPECT_TRUE(focus.fieldFocused);
+    EXPECT_EQ(focus.selectionStart, 0u);
+    EXPECT_EQ(focus.selectionEnd, 0u);
 }
