@@ -31,6 +31,8 @@ packages=(
   # connection test with Kerberos: GSSAPI (libkrb5-dev), and the throw-away
   # realm of its tests (KDC, kadmin.local, kinit)
   libkrb5-dev krb5-kdc krb5-admin-server krb5-user
+  # a second KDC of that realm with a shifted clock (libfaketime)
+  faketime
   # connection test with ZooKeeper discovery: the C client, and the server
   # (with a Java runtime) that the tests start
   libzookeeper-mt-dev zookeeper

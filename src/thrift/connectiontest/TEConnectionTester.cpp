@@ -198,7 +198,7 @@ Stack BuildStack(const TEConnectionTarget& in_target, TEStepRecorder& io_steps,
     Stack stack;
     if (in_target.m_authentication == TEConnectionTarget::Authentication::Kerberos)
     {
-        stack.kerberos = std::make_shared<TEKerberosAuthenticator>(in_target, in_log);
+        stack.kerberos = std::make_shared<TEKerberosAuthenticator>(in_target, io_cancellation, in_log);
     }
     const bool viaProxy = in_target.m_transport == TETransportMode::HTTP && !in_target.m_proxy.IsEmpty();
     std::intptr_t connected;

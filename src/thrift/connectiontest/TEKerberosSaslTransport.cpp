@@ -49,11 +49,11 @@ std::string TEKerberosSaslTransport::ChooseSecurityLayer(const std::string& in_o
 
 void TEKerberosSaslTransport::open()
 {
-    const std::unique_ptr<KerberosClient> context = m_authenticator->NewContext(KerberosClient::Mechanism::Kerberos);
+    const std::shared_ptr<KerberosClient> context = m_authenticator->NewContext(KerberosClient::Mechanism::Kerberos);
     KerberosClient::Bytes token;
     // The first token is made before anything is sent, so that a missing
     // ticket is reported without bothering the server.
-    m_authenticator->Step(*context, {}, token);
+    m_authenticator->Step(context, {}, token);
     SendNegotiation(Start, "GSSAPI");
     SendNegotiation(Ok, ToText(token));
     for (;;)
@@ -82,7 +82,7 @@ void TEKerberosSaslTransport::open()
         }
         if (!context->IsEstablished())
         {
-            m_authenticator->Step(*context, ToBytes(payload), token);
+            m_authenticator->Step(context, ToBytes(payload), token);
             if (status == Complete)
             {
                 return;
