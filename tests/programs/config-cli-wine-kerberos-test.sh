@@ -96,7 +96,9 @@ expect_success "AuthMech 9" "Kerberos (HTTP Negotiate) for spark/localhost@$real
 # server is never asked.
 run_test --dsn "$sasl_dsn" test --verbose KrbServiceName=hive
 [ $status -eq 1 ] || fail "a wrong service name exited with $status: $out"
-grep -q "^Authentication - failed .*hive/localhost@$realm" <<<"$out" \
+# Wine does not tell why the ticket was refused; Windows and GSSAPI say that
+# the realm does not know the service.
+grep -Eq "^Authentication - failed .*(No Kerberos service ticket could be had for|The Kerberos realm does not know the service principal) hive/localhost@$realm" <<<"$out" \
   || fail "a wrong service name did not fail the authentication step naming hive/localhost@$realm: $out"
 grep -qF "OpenSession" <<<"$out" && fail "a wrong service name got as far as OpenSession: $out"
 

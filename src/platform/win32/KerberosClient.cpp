@@ -238,7 +238,15 @@ bool KerberosClient::Step(const Bytes& in_token, Bytes& out_token)
     }
     if (status != SEC_E_OK && status != SEC_I_CONTINUE_NEEDED)
     {
-        SetFailure(Classify(status), StatusText(status));
+        Failure failure = Classify(status);
+        if (failure == Failure::Other && status == SEC_E_INTERNAL_ERROR && !c.haveContext && RunningOnWine())
+        {
+            // Windows names the cause of a refused service ticket (unknown
+            // target, time skew, no authority); Wine answers every failure
+            // of its library's first step with an internal error.
+            failure = Failure::NoServiceTicket;
+        }
+        SetFailure(failure, StatusText(status));
         return false;
     }
     c.haveContext = true;
