@@ -5,8 +5,8 @@
 # service's keytab; the Windows program gets its tokens from Wine's Kerberos
 # provider, which reads the same realm through KRB5_CONFIG and KRB5CCNAME.
 # Checked: a session over SASL (AuthMech 1, the principal from _HOST by
-# reverse lookup), over HTTP (AuthMech 1 and 9), and a wrong service name
-# failing in the authentication step with that principal named.
+# reverse lookup), over HTTP (AuthMech 1, 9, and 10 with TLS), and a wrong
+# service name failing in the authentication step with that principal named.
 # Usage: config-cli-wine-kerberos-test.sh WINE-RUN tarni-spark-config.exe LINUX-TOOLS-DIR
 set -u
 if [ "${1:-}" != --inside ]; then
@@ -41,16 +41,16 @@ cleanup() {
 trap cleanup EXIT
 trap 'exit 1' INT TERM HUP
 
-# Starts the test server in mode $1 (further arguments follow) and sets $port.
+# Starts a test server called $1 in mode $2 (further arguments follow) and sets $port.
 start_server() {
-  local mode=$1
-  shift
+  local name=$1 mode=$2
+  shift 2
   "$tools/tarni-test-tcli-server" "$mode" --keytab "$TARNI_TEST_KERBEROS_KEYTAB" "$@" \
-    >"$dir/$mode.port" 2>"$dir/$mode.err" &
+    >"$dir/$name.port" 2>"$dir/$name.err" &
   pids+=($!)
-  for _ in $(seq 1 100); do [ -s "$dir/$mode.port" ] && break; sleep 0.1; done
-  port=$(head -n 1 "$dir/$mode.port")
-  [ -n "$port" ] || { echo "FAIL: the $mode test server did not start: $(cat "$dir/$mode.err")"; exit 1; }
+  for _ in $(seq 1 100); do [ -s "$dir/$name.port" ] && break; sleep 0.1; done
+  port=$(head -n 1 "$dir/$name.port")
+  [ -n "$port" ] || { echo "FAIL: the $name test server did not start: $(cat "$dir/$name.err")"; exit 1; }
 }
 
 # Runs the test command; $out holds its standard output and error, $status its exit code.
@@ -70,10 +70,14 @@ expect_success() {
   fi
 }
 
-start_server sasl
+bash "$(dirname "${BASH_SOURCE[0]}")/../thrift/connectiontest/make-test-certs.sh" "$dir/certs" >"$dir/certs.log" 2>&1 \
+  || { echo "FAIL: no test certificates: $(cat "$dir/certs.log")"; exit 1; }
+start_server sasl sasl
 sasl_port=$port
-start_server http --path /cliservice
+start_server http http --path /cliservice
 http_port=$port
+start_server https http --path /cliservice --cert "$dir/certs/server.pem" --key "$dir/certs/server.key"
+https_port=$port
 
 common=(Host=127.0.0.1 AuthMech=1 KrbServiceName=spark KrbHostFQDN=_HOST "KrbRealm=$realm" ConnectionTestTimeout=20)
 run_test dsn add "$sasl_dsn" "${common[@]}" "Port=$sasl_port" ThriftTransport=1
@@ -91,6 +95,11 @@ expect_success "HTTP Negotiate" "Kerberos (HTTP Negotiate) for spark/localhost@$
 # Kerberos over HTTP whatever the transport says.
 run_test --dsn "$sasl_dsn" test --verbose AuthMech=9 "Port=$http_port" HTTPPath=cliservice
 expect_success "AuthMech 9" "Kerberos (HTTP Negotiate) for spark/localhost@$realm"
+
+# Kerberos over HTTPS: TLS whatever SSL says.
+run_test --dsn "$http_dsn" test --verbose AuthMech=10 "Port=$https_port" "TrustedCerts=$dir/certs/ca.pem"
+expect_success "AuthMech 10" "Kerberos (HTTP Negotiate) for spark/localhost@$realm"
+grep -q "^TLS handshake - passed" <<<"$out" || fail "AuthMech 10 did not use TLS: $out"
 
 # A service the realm does not know: no ticket can be had for it, so the
 # server is never asked.
