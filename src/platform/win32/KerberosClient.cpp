@@ -340,15 +340,15 @@ bool KerberosClient::Unwrap(const Bytes& in_token, Bytes& out_message)
         return true;
     }
     // Wine refuses SECBUFFER_STREAM. It joins the data buffer and then the
-    // token buffer into one message for its Kerberos library and copies back
-    // as many bytes of the result as the data buffer holds, so the data
-    // buffer must be exactly as long as the message inside.
+    // token buffer into one message for its Kerberos library and returns the
+    // message in the data buffer, which must therefore be exactly as long as
+    // the message inside.
     const std::size_t length = WrappedMessageLength(in_token);
     if (length == NOT_MEASURABLE)
     {
         SetFailure(Failure::Other,
-                   "a protected message that is encrypted or not in the RFC 4121 form, which this system's Kerberos "
-                   "provider cannot take apart");
+                   "the server's protected message is encrypted or not in the RFC 4121 form, which Wine's Kerberos "
+                   "provider cannot unwrap");
         return false;
     }
     Bytes data(in_token.begin(), in_token.begin() + static_cast<std::ptrdiff_t>(length));
