@@ -27,6 +27,9 @@ public:
         NoTicket,
         TicketExpired,
         UnknownServicePrincipal,
+        /// No service ticket, for a reason the system does not tell (Wine):
+        /// an unknown service, an unreachable KDC or clock skew.
+        NoServiceTicket,
         ClockSkew,
         RealmUnreachable,
         Other,

@@ -9,8 +9,10 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstddef>
 #include <cstdio>
 #include <cstring>
+#include <utility>
 
 namespace Tarni::Platform
 {
@@ -41,7 +43,23 @@ std::string Utf8(const wchar_t* in_wide)
     return text;
 }
 
-// The system's text of a security status, with its number.
+const char* StatusName(SECURITY_STATUS in_status)
+{
+    switch (in_status)
+    {
+        case SEC_E_INVALID_TOKEN: return "SEC_E_INVALID_TOKEN: the token given to the provider is not valid";
+        case SEC_E_INTERNAL_ERROR: return "SEC_E_INTERNAL_ERROR: the Kerberos provider failed";
+        case SEC_E_MESSAGE_ALTERED: return "SEC_E_MESSAGE_ALTERED: the message's checksum does not match";
+        case SEC_E_OUT_OF_SEQUENCE: return "SEC_E_OUT_OF_SEQUENCE: the message is out of sequence";
+        case SEC_E_BUFFER_TOO_SMALL: return "SEC_E_BUFFER_TOO_SMALL: a buffer is too small";
+        case SEC_E_UNSUPPORTED_FUNCTION: return "SEC_E_UNSUPPORTED_FUNCTION: the provider does not support this";
+        case SEC_E_QOP_NOT_SUPPORTED: return "SEC_E_QOP_NOT_SUPPORTED: the protection asked for is not supported";
+        case SEC_E_LOGON_DENIED: return "SEC_E_LOGON_DENIED: the logon was denied";
+        default: return "";
+    }
+}
+
+// The system's text of a security status (or its name), with its number.
 std::string StatusText(SECURITY_STATUS in_status)
 {
     wchar_t* buffer = nullptr;
@@ -59,6 +77,12 @@ std::string StatusText(SECURITY_STATUS in_status)
     }
     char code[16];
     std::snprintf(code, sizeof code, "0x%08lX", static_cast<unsigned long>(in_status));
+    if (text.empty())
+    {
+        // Wine has no texts for these statuses; their names still say what
+        // went wrong.
+        text = StatusName(in_status);
+    }
     return text.empty() ? std::string("security status ") + code : text + " (" + code + ")";
 }
 
@@ -85,12 +109,31 @@ KerberosClient::Failure Classify(SECURITY_STATUS in_status)
     }
 }
 
-// Wine's Kerberos provider sits on the host's MIT libraries and lays out
-// protected messages as data followed by token.
+// Wine's Kerberos provider sits on the host's MIT libraries; it lays out
+// protected messages as data followed by token and has no stream buffers.
 bool RunningOnWine()
 {
     const HMODULE ntdll = GetModuleHandleW(L"ntdll.dll");
     return ntdll != nullptr && GetProcAddress(ntdll, "wine_get_version") != nullptr;
+}
+
+constexpr std::size_t NOT_MEASURABLE = static_cast<std::size_t>(-1);
+
+// The length of the message inside a wrap token without confidentiality in
+// the form of RFC 4121 (token id 05 04, then flags, a filler byte, EC, RRC
+// and the sequence number): the 16-byte header and the EC bytes of checksum
+// are the protection, the rest is the message. NOT_MEASURABLE for an
+// encrypted token or an older form.
+std::size_t WrappedMessageLength(const KerberosClient::Bytes& in_token)
+{
+    constexpr std::size_t HEADER = 16;
+    constexpr std::uint8_t SEALED = 0x02;
+    if (in_token.size() < HEADER || in_token[0] != 0x05 || in_token[1] != 0x04 || (in_token[2] & SEALED) != 0)
+    {
+        return NOT_MEASURABLE;
+    }
+    const std::size_t checksum = (static_cast<std::size_t>(in_token[4]) << 8) | in_token[5];
+    return HEADER + checksum <= in_token.size() ? in_token.size() - HEADER - checksum : NOT_MEASURABLE;
 }
 }  // namespace
 
@@ -195,7 +238,15 @@ bool KerberosClient::Step(const Bytes& in_token, Bytes& out_token)
     }
     if (status != SEC_E_OK && status != SEC_I_CONTINUE_NEEDED)
     {
-        SetFailure(Classify(status), StatusText(status));
+        Failure failure = Classify(status);
+        if (failure == Failure::Other && status == SEC_E_INTERNAL_ERROR && !c.haveContext && RunningOnWine())
+        {
+            // Windows names the cause of a refused service ticket (unknown
+            // target, time skew, no authority); Wine answers every failure
+            // of its library's first step with an internal error.
+            failure = Failure::NoServiceTicket;
+        }
+        SetFailure(failure, StatusText(status));
         return false;
     }
     c.haveContext = true;
@@ -232,67 +283,89 @@ bool KerberosClient::Wrap(const Bytes& in_message, Bytes& out_token)
         {static_cast<unsigned long>(data.size()), SECBUFFER_DATA, data.data()},
         {static_cast<unsigned long>(padding.size()), SECBUFFER_PADDING, padding.data()},
     };
-    SecBufferDesc desc{SECBUFFER_VERSION, 3, buffers};
+    // Wine leaves the padding buffer as it is given (it has no padding to
+    // report), so it is not offered there.
+    const bool wine = RunningOnWine();
+    SecBufferDesc desc{SECBUFFER_VERSION, wine ? 2UL : 3UL, buffers};
     status = EncryptMessage(&c.context, SECQOP_WRAP_NO_ENCRYPT, &desc, 0);
     if (status != SEC_E_OK)
     {
         SetFailure(Failure::Other, StatusText(status));
         return false;
     }
-    const auto part = [](const SecBuffer& in_buffer) {
+    const auto append = [&out_token](const SecBuffer& in_buffer) {
         const auto* bytes = static_cast<const std::uint8_t*>(in_buffer.pvBuffer);
-        return Bytes(bytes, bytes + in_buffer.cbBuffer);
+        out_token.insert(out_token.end(), bytes, bytes + in_buffer.cbBuffer);
     };
-    const Bytes first = RunningOnWine() ? part(buffers[1]) : part(buffers[0]);
-    const Bytes second = RunningOnWine() ? part(buffers[0]) : part(buffers[1]);
-    out_token = first;
-    out_token.insert(out_token.end(), second.begin(), second.end());
-    const Bytes third = part(buffers[2]);
-    out_token.insert(out_token.end(), third.begin(), third.end());
+    out_token.clear();
+    if (wine)
+    {
+        // Wine splits its library's wrap token into the data buffer (the
+        // first bytes) and the token buffer (the rest).
+        append(buffers[1]);
+        append(buffers[0]);
+    }
+    else
+    {
+        // Windows: header (token), data, then padding.
+        append(buffers[0]);
+        append(buffers[1]);
+        append(buffers[2]);
+    }
     return true;
 }
 
 bool KerberosClient::Unwrap(const Bytes& in_token, Bytes& out_message)
 {
     Context& c = *m_context;
-    // Windows takes the whole message as a stream.
-    Bytes stream = in_token;
-    SecBuffer streamBuffers[2] = {
-        {static_cast<unsigned long>(stream.size()), SECBUFFER_STREAM, stream.data()},
-        {0, SECBUFFER_DATA, nullptr},
-    };
-    SecBufferDesc streamDesc{SECBUFFER_VERSION, 2, streamBuffers};
     unsigned long qop = 0;
-    SECURITY_STATUS status = DecryptMessage(&c.context, &streamDesc, 0, &qop);
-    if (status == SEC_E_OK)
+    if (!RunningOnWine())
     {
-        const auto* bytes = static_cast<const std::uint8_t*>(streamBuffers[1].pvBuffer);
-        out_message.assign(bytes, bytes + streamBuffers[1].cbBuffer);
-        return true;
-    }
-    // Wine's provider does not take a stream: the token (header) and the
-    // data as two buffers instead.
-    SecPkgContext_Sizes sizes{};
-    if (QueryContextAttributesW(&c.context, SECPKG_ATTR_SIZES, &sizes) == SEC_E_OK &&
-        in_token.size() >= sizes.cbSecurityTrailer)
-    {
-        Bytes token(in_token.begin(), in_token.begin() + sizes.cbSecurityTrailer);
-        Bytes data(in_token.begin() + sizes.cbSecurityTrailer, in_token.end());
+        // Windows takes the whole message as a stream and points the data
+        // buffer at the message inside it.
+        Bytes stream = in_token;
         SecBuffer buffers[2] = {
-            {static_cast<unsigned long>(token.size()), SECBUFFER_TOKEN, token.data()},
-            {static_cast<unsigned long>(data.size()), SECBUFFER_DATA, data.data()},
+            {static_cast<unsigned long>(stream.size()), SECBUFFER_STREAM, stream.data()},
+            {0, SECBUFFER_DATA, nullptr},
         };
         SecBufferDesc desc{SECBUFFER_VERSION, 2, buffers};
-        const SECURITY_STATUS split = DecryptMessage(&c.context, &desc, 0, &qop);
-        if (split == SEC_E_OK)
+        const SECURITY_STATUS status = DecryptMessage(&c.context, &desc, 0, &qop);
+        if (status != SEC_E_OK)
         {
-            const auto* bytes = static_cast<const std::uint8_t*>(buffers[1].pvBuffer);
-            out_message.assign(bytes, bytes + buffers[1].cbBuffer);
-            return true;
+            SetFailure(Failure::Other, StatusText(status));
+            return false;
         }
+        const auto* bytes = static_cast<const std::uint8_t*>(buffers[1].pvBuffer);
+        out_message.assign(bytes, bytes + buffers[1].cbBuffer);
+        return true;
     }
-    SetFailure(Failure::Other, StatusText(status));
-    return false;
+    // Wine refuses SECBUFFER_STREAM. It joins the data buffer and then the
+    // token buffer into one message for its Kerberos library and returns the
+    // message in the data buffer, which must therefore be exactly as long as
+    // the message inside.
+    const std::size_t length = WrappedMessageLength(in_token);
+    if (length == NOT_MEASURABLE)
+    {
+        SetFailure(Failure::Other,
+                   "the server's protected message is encrypted or not in the RFC 4121 form, which Wine's Kerberos "
+                   "provider cannot unwrap");
+        return false;
+    }
+    Bytes data(in_token.begin(), in_token.begin() + static_cast<std::ptrdiff_t>(length));
+    Bytes token(in_token.begin() + static_cast<std::ptrdiff_t>(length), in_token.end());
+    SecBuffer buffers[2] = {
+        {static_cast<unsigned long>(token.size()), SECBUFFER_TOKEN, token.data()},
+        {static_cast<unsigned long>(data.size()), SECBUFFER_DATA, data.data()},
+    };
+    SecBufferDesc desc{SECBUFFER_VERSION, 2, buffers};
+    const SECURITY_STATUS status = DecryptMessage(&c.context, &desc, 0, &qop);
+    if (status != SEC_E_OK)
+    {
+        SetFailure(Failure::Other, StatusText(status));
+        return false;
+    }
+    out_message = std::move(data);
+    return true;
 }
 
 std::string KerberosClient::CanonicalHostName(const std::string& in_host)

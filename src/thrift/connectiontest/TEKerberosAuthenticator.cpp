@@ -145,6 +145,9 @@ void TEKerberosAuthenticator::Fail(const KerberosClient& in_context) const
             }
             throw TEException(u"TEKerberosUnknownService",
                               {TEException::ToParameter(m_principal), TEException::ToParameter(detail)});
+        case KerberosClient::Failure::NoServiceTicket:
+            throw TEException(u"TEKerberosNoServiceTicket",
+                              {TEException::ToParameter(m_principal), TEException::ToParameter(detail)});
         case KerberosClient::Failure::ClockSkew:
             throw TEException(u"TEKerberosClockSkew", {TEException::ToParameter(detail)});
         case KerberosClient::Failure::RealmUnreachable:
