@@ -3,8 +3,8 @@
 # from Debian's source package: the static library only (no command-line
 # client, no tests, no SASL, no TLS), installed as
 #   include/zookeeper/*.h  lib/libzookeeper_mt.a  lib/libhashtable.a
-# in the cross cache (see scripts/cross-common.sh). About a minute on two
-# cores, most of it fetching the source.
+# in the cross cache (see scripts/cross-common.sh). One to two minutes on two
+# busy cores, much of it fetching and unpacking the source.
 #
 # The client's record code (zookeeper.jute.{c,h}) is generated, not shipped:
 # Debian's build runs the jute compiler of the zookeeper-jute module during
