@@ -109,6 +109,20 @@ if(WIN32)
     # What the static library needs from the system and from OpenSSL.
     set(TARNI_THRIFT_DEPENDENCIES tarni_openssl_ssl_static ws2_32 crypt32)
   endif()
+
+  # The ZooKeeper C client of scripts/build-zookeeper-mingw.sh (static, its
+  # own hash table beside it). Its headers choose Winsock by WIN32, which a
+  # strict C++ standard mode leaves undefined.
+  tarni_cross_prefix(zookeeper_prefix zookeeper)
+  if(zookeeper_prefix AND TARNI_THRIFT_LIBRARY)
+    add_library(tarni_zookeeper_static STATIC IMPORTED)
+    set_target_properties(tarni_zookeeper_static PROPERTIES
+      IMPORTED_LOCATION "${zookeeper_prefix}/lib/libzookeeper_mt.a"
+      INTERFACE_LINK_LIBRARIES "${zookeeper_prefix}/lib/libhashtable.a;ws2_32"
+      INTERFACE_COMPILE_DEFINITIONS "USE_STATIC_LIB;WIN32")
+    set(TARNI_ZOOKEEPER_INCLUDE_DIR "${zookeeper_prefix}/include")
+    set(TARNI_ZOOKEEPER_LIBRARY tarni_zookeeper_static)
+  endif()
 else()
   find_package(ICU 70 REQUIRED COMPONENTS uc i18n)
   find_package(Boost 1.74 REQUIRED)

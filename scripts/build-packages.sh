@@ -18,6 +18,7 @@ mkdir -p "$out"
 echo "=== MSI (Windows, mingw-w64 cross build) ==="
 bash scripts/build-expat-mingw.sh
 bash scripts/build-thrift-mingw.sh
+bash scripts/build-zookeeper-mingw.sh
 cmake --preset mingw >/dev/null
 cmake --build --preset mingw -j "$jobs" --target tarni_msi
 cp build/mingw/packages/*.msi "$out/"

@@ -31,6 +31,7 @@ echo "=== Windows (mingw-w64) under Wine: build and test ==="
 # Third-party libraries for the cross target, built once per Debian source
 # version into the user's cache folder (OpenSSL comes with Apache Thrift).
 if bash scripts/build-expat-mingw.sh && bash scripts/build-thrift-mingw.sh \
+   && bash scripts/build-zookeeper-mingw.sh \
    && cmake --preset mingw >/dev/null && cmake --build --preset mingw -j "$jobs"; then
   # One Wine server for the whole run; tests then start quickly.
   bash scripts/wine-run.sh cmd /c exit >/dev/null 2>&1 || true

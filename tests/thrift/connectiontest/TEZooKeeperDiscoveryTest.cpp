@@ -163,6 +163,13 @@ protected:
         return steps;
     }
 
+    /// in_name made unique to this run: under Wine one server outlives the
+    /// test processes (and a test that is run again).
+    static std::string Fresh(const std::string& in_name)
+    {
+        return in_name + "-" + std::to_string(std::chrono::system_clock::now().time_since_epoch().count());
+    }
+
     static std::unique_ptr<TestZooKeeperServer> s_zooKeeper;
     RecordingLogger m_log;
     DSDSNConfiguration m_configuration;
@@ -179,12 +186,13 @@ TEST_F(ZooKeeperDiscoveryTest, OpensTheSessionThroughTheLiveServer)
     TestTCLIServer live(options);
     const std::string dead = "127.0.0.1:" + std::to_string(TestZooKeeperServer::ClosedPort());
     const std::string liveAuthority = "127.0.0.1:" + std::to_string(live.Port());
-    s_zooKeeper->Create("/spark/serverUri=" + dead + ";version=3.4.1;sequence=0000000000");
+    const std::string ns = Fresh("spark");
+    s_zooKeeper->Create("/" + ns + "/serverUri=" + dead + ";version=3.4.1;sequence=0000000000");
     // The live one's name is stale: its data tells where it serves.
-    s_zooKeeper->Create("/spark/serverUri=127.0.0.1:1;version=3.4.1;sequence=0000000001",
+    s_zooKeeper->Create("/" + ns + "/serverUri=127.0.0.1:1;version=3.4.1;sequence=0000000001",
                         "hive.server2.thrift.bind.host=127.0.0.1;hive.server2.thrift.port=" +
                             std::to_string(live.Port()) + ";hive.server2.transport.mode=binary");
-    Set(Keys::ZKNamespace, "spark");
+    Set(Keys::ZKNamespace, ns);
     // Random order: repeated, both orders come up (1 in 2^6 that one does not).
     for (int attempt = 0; attempt < 6; ++attempt)
     {
@@ -193,7 +201,7 @@ TEST_F(ZooKeeperDiscoveryTest, OpensTheSessionThroughTheLiveServer)
         EXPECT_EQ(Steps(outcome), "discovery:passed resolve:passed connect:passed authentication:passed open-session:passed "
                                   "server-info:passed close-session:passed");
         const std::string discovery = StringConverter::ToUtf8(outcome.steps.front().detail);
-        EXPECT_NE(discovery.find("2 registered under /spark on 127.0.0.1:" + std::to_string(s_zooKeeper->Port()) +
+        EXPECT_NE(discovery.find("2 registered under /" + ns + " on 127.0.0.1:" + std::to_string(s_zooKeeper->Port()) +
                                  "; " + liveAuthority + " answered"),
                   std::string::npos)
             << discovery;
@@ -206,10 +214,11 @@ TEST_F(ZooKeeperDiscoveryTest, OpensTheSessionThroughTheLiveServer)
 TEST_F(ZooKeeperDiscoveryTest, SaysWhenNoRegisteredServerAnswers)
 {
     const std::string dead = "127.0.0.1:" + std::to_string(TestZooKeeperServer::ClosedPort());
-    s_zooKeeper->Create("/dead/serverUri=" + dead + ";version=3.4.1;sequence=0000000000");
-    Set(Keys::ZKNamespace, "/dead");
+    const std::string ns = "/" + Fresh("dead");
+    s_zooKeeper->Create(ns + "/serverUri=" + dead + ";version=3.4.1;sequence=0000000000");
+    Set(Keys::ZKNamespace, ns);
     const auto outcome = TEConnectionTester().TestConnection(m_configuration);
-    EXPECT_EQ(Text(outcome), "None of the 1 servers registered under /dead opened a session. " + dead +
+    EXPECT_EQ(Text(outcome), "None of the 1 servers registered under " + ns + " opened a session. " + dead +
                                  " refused the connection. Check the Host and Port settings and that the server is "
                                  "running.");
     EXPECT_EQ(Steps(outcome), "discovery:failed");
@@ -217,9 +226,10 @@ TEST_F(ZooKeeperDiscoveryTest, SaysWhenNoRegisteredServerAnswers)
 
 TEST_F(ZooKeeperDiscoveryTest, NamesAnEmptyOrMissingNamespace)
 {
-    s_zooKeeper->Create("/empty");
+    const std::string empty = Fresh("empty");
+    s_zooKeeper->Create("/" + empty);
     const std::string ensemble = "127.0.0.1:" + std::to_string(s_zooKeeper->Port());
-    for (const char* name : {"empty", "never-created"})
+    for (const std::string& name : {empty, Fresh("never-created")})
     {
         Set(Keys::ZKNamespace, name);
         const auto outcome = TEConnectionTester().TestConnection(m_configuration);

@@ -3,6 +3,8 @@
 // mode on 127.0.0.1 and a free port, in a temporary folder, with a small heap.
 // It is ready when the "srvr" command reports its mode, and is stopped when
 // the object goes (and killed with the test program if that dies first).
+// In the Windows build the object stands for the server that CTest's fixture
+// started on the host (test-zookeeper.sh), which outlives it.
 #include <cstdint>
 #include <filesystem>
 #include <string>
