@@ -1,57 +1,24 @@
 #pragma once
 // What the dialog tests share: a scripted host installed as the resource
-// module for the test, and a logger that keeps its records.
+// module for the test, product settings written for it, and a logger that
+// keeps its records.
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
+#include "common/TempDirectory.h"
 #include "dialogs/framework/DSDialogModule.h"
+#include "driversupport/DSProductHelper.h"
+#include "support/StringConverter.h"
+#include "ui/DialogConstants.h"
 #include "ui/IDialogHost.h"
 #include "ui/scripted/ScriptedDialogHost.h"
+#include "common/RecordingLogger.h"
 #include "core/ErrorException.h"
-#include "core/ILogger.h"
 
 namespace Tarni::Testing
 {
-class RecordingLogger final : public Support::ILogger
-{
-public:
-    struct Record
-    {
-        Support::LogLevel level;
-        std::string place;  ///< namespace::class::function
-        std::string text;
-    };
-
-    RecordingLogger() { m_level = Support::LOG_TRACE; }
-
-    void LogMessageV(Support::LogLevel in_level, const char* in_ns, const char* in_cls, const char* in_fn,
-                     const char* in_format, va_list in_args) override
-    {
-        char buffer[4096];
-        vsnprintf(buffer, sizeof(buffer), in_format, in_args);
-        records.push_back({in_level, std::string(in_ns) + "::" + in_cls + "::" + in_fn, buffer});
-    }
-    void LogError(const char* in_ns, const char* in_cls, const char* in_fn,
-                  const Support::ErrorException& in_error) override
-    {
-        records.push_back({Support::LOG_ERROR, std::string(in_ns) + "::" + in_cls + "::" + in_fn, in_error.what()});
-    }
-    using ILogger::LogError;
-
-    bool Has(Support::LogLevel in_level, const std::string& in_place, const std::string& in_text) const
-    {
-        for (const auto& r : records)
-        {
-            if (r.level == in_level && r.place == in_place && r.text.find(in_text) != std::string::npos) return true;
-        }
-        return false;
-    }
-
-    std::vector<Record> records;
-};
-
 /// Installs a scripted host as the resource module for one test.
 class DialogTest : public ::testing::Test
 {
@@ -61,15 +28,35 @@ protected:
     {
         DriverSupport::DSDialogModule::SetHost(nullptr);
         DriverSupport::DSDialogModule::SetErrorTextResolver(nullptr);
+        DriverSupport::DSProductHelper::LoadProductSettings(
+            Support::StringConverter::FromUtf8((m_dir / "none.did").string()));
         if (!HasFailure())
         {
             m_host.VerifyAllUsed();
         }
     }
 
+    /// Loads product settings of this text for the test.
+    void UseProductSettings(const std::string& in_lines)
+    {
+        const auto path = m_dir / "SparkODBC.did";
+        TempDirectory::WriteFile(path, in_lines);
+        DriverSupport::DSProductHelper::LoadProductSettings(Support::StringConverter::FromUtf8(path.string()));
+    }
+
+    TempDirectory m_dir;
     Platform::ScriptedDialogHost m_host;
     RecordingLogger m_logger;
 };
+
+/// The three ways to leave a dialog without OK: Cancel, Escape and the close box.
+using CloseAction = void (*)(Platform::ScriptedDialogWindow&);
+inline const CloseAction CLOSERS[] = {[](Platform::ScriptedDialogWindow& w) {
+                                          using namespace Platform;  // IDCANCEL: a constant here, a macro on Windows
+                                          w.Click(IDCANCEL);
+                                      },
+                                      [](Platform::ScriptedDialogWindow& w) { w.PressEscape(); },
+                                      [](Platform::ScriptedDialogWindow& w) { w.PressCloseBox(); }};
 
 using Platform::DialogProcedure;
 using Platform::DialogRect;

@@ -34,17 +34,13 @@ protected:
     void TearDown() override
     {
         DriverSupport::DSMessageCatalogue::SetLookup(nullptr);
-        DriverSupport::DSProductHelper::LoadProductSettings(
-            Support::StringConverter::FromUtf8((m_dir / "none.did").string()));
         DialogTest::TearDown();
     }
 
     /// Loads the product settings and resets the configuration to the defaults they give.
     void UseProductSettings(const std::string& in_lines)
     {
-        const auto path = m_dir / "SparkODBC.did";
-        TempDirectory::WriteFile(path, in_lines);
-        DriverSupport::DSProductHelper::LoadProductSettings(Support::StringConverter::FromUtf8(path.string()));
+        DialogTest::UseProductSettings(in_lines);
         m_configuration.LoadDefaults();
     }
 
@@ -72,7 +68,6 @@ protected:
         io_window.Type(IDC_HOSTS, u"spark.example.com");
     }
 
-    TempDirectory m_dir;
     SparkODBC::QuillConfiguration m_configuration;
 };
 }  // namespace Tarni::Testing

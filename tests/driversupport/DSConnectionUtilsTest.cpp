@@ -4,7 +4,7 @@
 
 #include "driversupport/DSBase64.h"
 #include "driversupport/DSConnectionUtils.h"
-#include "platform/ISettingsStore.h"
+#include "common/MemorySettingsStore.h"
 #include "core/ErrorException.h"
 #include "support/TarniSettingReader.h"
 #include "common/RecordingLogger.h"
@@ -15,20 +15,6 @@ using Tarni::Testing::RecordingLogger;
 
 namespace
 {
-/// The driver-wide store of a test: fixed values.
-class FixedStore : public Platform::ISettingsStore
-{
-public:
-    explicit FixedStore(std::vector<Platform::StoredValue> in_values) : m_values(std::move(in_values)) {}
-    tarni_wstring GetLocation() const override { return u"test store"; }
-    std::vector<Platform::StoredValue> ReadAll() override { return m_values; }
-    void WriteValue(tarni_wstring_view, tarni_wstring_view) override {}
-    void DeleteValue(tarni_wstring_view) override {}
-
-private:
-    std::vector<Platform::StoredValue> m_values;
-};
-
 class DSConnectionUtilsTest : public ::testing::Test
 {
 protected:
@@ -40,13 +26,14 @@ protected:
     }
     void UseDriverWide(std::vector<Platform::StoredValue> in_values)
     {
-        m_store = std::make_unique<FixedStore>(std::move(in_values));
-        Support::TarniSettingReader::SetStore(m_store.get());
+        m_store.values = std::move(in_values);
+        Support::TarniSettingReader::Reset();
+        Support::TarniSettingReader::SetStore(&m_store);
     }
 
     RecordingLogger m_log;
     DSWarningList m_warnings;
-    std::unique_ptr<FixedStore> m_store;
+    Testing::MemorySettingsStore m_store;
 };
 }  // namespace
 
@@ -68,34 +55,24 @@ TEST_F(DSConnectionUtilsTest, ConnectionValueWinsUnlessDriverConfigTakesPreceden
     EXPECT_TRUE(m_warnings.IsEmpty());
 }
 
-TEST_F(DSConnectionUtilsTest, BooleansAcceptOneAndTrueInAnyCase)
+TEST_F(DSConnectionUtilsTest, BooleansAcceptOneAndTrueInAnyCaseAndOtherTextIsFalseWithAWarning)
 {
     ConfigurationMap settings{{u"A", u"TRUE"}, {u"B", u"True"}, {u"C", u"1"}, {u"D", u"0"}, {u"E", u"false"}};
-    for (const char16_t* key : {u"A", u"B", u"C"})
+    for (const char16_t* key : {u"A", u"B", u"C", u"D", u"E"})
     {
-        bool value = false;
+        bool value = *key > u'C';
         EXPECT_TRUE(DSConnectionUtils::ReadBooleanSetting(key, settings, value, false, &m_log, m_warnings));
-        EXPECT_TRUE(value);
-    }
-    for (const char16_t* key : {u"D", u"E"})
-    {
-        bool value = true;
-        EXPECT_TRUE(DSConnectionUtils::ReadBooleanSetting(key, settings, value, false, &m_log, m_warnings));
-        EXPECT_FALSE(value);
+        EXPECT_EQ(value, *key <= u'C') << Support::StringConverter::ToUtf8(key);
     }
     EXPECT_TRUE(m_warnings.IsEmpty());
 
     bool absent = true;
     EXPECT_FALSE(DSConnectionUtils::ReadBooleanSetting(u"Missing", settings, absent, false, &m_log, m_warnings));
     EXPECT_TRUE(absent);
-}
 
-TEST_F(DSConnectionUtilsTest, OtherSwitchTextIsFalseWithAWarning)
-{
-    ConfigurationMap settings{{u"UseProxy", u"yes"}, {u"Other", u"on"}};
-    bool value = true;
-    EXPECT_TRUE(DSConnectionUtils::ReadBooleanSetting(u"UseProxy", settings, value, false, &m_log, m_warnings));
-    EXPECT_FALSE(value);
+    settings.SetValue(u"UseProxy", u"yes");
+    EXPECT_TRUE(DSConnectionUtils::ReadBooleanSetting(u"UseProxy", settings, absent, false, &m_log, m_warnings));
+    EXPECT_FALSE(absent);
     ASSERT_EQ(m_warnings.Size(), 1u);
     EXPECT_EQ(m_warnings.GetWarnings()[0].m_messageKey, u"DSInvalidSettingValueWarn");
     EXPECT_EQ(m_warnings.GetWarnings()[0].m_parameters[1], u"yes");

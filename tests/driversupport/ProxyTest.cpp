@@ -4,13 +4,13 @@
 // the lists WinHTTP gives.
 #include <gtest/gtest.h>
 
+#include "common/MemorySettingsStore.h"
 #include "common/RecordingLogger.h"
 #include "common/SecretKeySources.h"
 #include "core/ErrorException.h"
 #include "driversupport/DSEncryptionUtils.h"
 #include "driversupport/DSProxyUrl.h"
 #include "driversupport/Proxy.h"
-#include "platform/ISettingsStore.h"
 #include "platform/ProcessEnvironment.h"
 #include "support/StringConverter.h"
 #include "support/TarniSettingReader.h"
@@ -44,16 +44,6 @@ ErrorException ErrorOf(Action&& in_action)
     return ErrorException(Support::DiagState::GeneralError, 0, u"none");
 }
 
-class EmptyStore : public Platform::ISettingsStore
-{
-public:
-    std::vector<Platform::StoredValue> values;
-    tarni_wstring GetLocation() const override { return u"test store"; }
-    std::vector<Platform::StoredValue> ReadAll() override { return values; }
-    void WriteValue(tarni_wstring_view, tarni_wstring_view) override {}
-    void DeleteValue(tarni_wstring_view) override {}
-};
-
 class ProxyTest : public ::testing::Test
 {
 protected:
@@ -86,7 +76,7 @@ protected:
         return separate;
     }
 
-    EmptyStore m_store;
+    Testing::MemorySettingsStore m_store;
     Testing::RecordingLogger m_log;
     std::vector<std::pair<tarni_wstring, std::optional<tarni_wstring>>> m_savedEnvironment;
 };

@@ -126,14 +126,3 @@ TEST_F(ProductSettings, AProductFileThatCannotBeReadIsAProductErrorWithItsText)
             << Support::StringConverter::ToUtf8(text);
     }
 }
-
-TEST(ConfigurationTables, ReverseMapsMatchTheLists)
-{
-    EXPECT_EQ(14u, Tables::AuthMechNames().size());
-    EXPECT_EQ(13u, Tables::AuthMechFromName(u"MapR SASL").value());
-    EXPECT_EQ(4u, Tables::ServerTypeFromName(u"DFI").value());
-    EXPECT_EQ(1u, Tables::ServerTypeFromName(u"SharkServer (Shark 0.8.1 and earlier)").value());
-    EXPECT_EQ(2u, Tables::TransportFromName(u"HTTP").value());
-    EXPECT_EQ(2u, Tables::OAuthFlowFromName(u"Browser Based Authorization Code").value());
-    EXPECT_FALSE(Tables::AuthMechFromName(u"kerberos").has_value());
-}

@@ -5,37 +5,42 @@
 using namespace Tarni;
 using SparkODBC::SOUtils;
 
-class ServiceDiscoveryModeConversion : public Testing::ProductSettingsFixture
-{
-protected:
-    Testing::RecordingLogger m_log;
-};
+using ServiceDiscoveryModeConversion = Testing::ProductSettingsFixture;
 
-TEST_F(ServiceDiscoveryModeConversion, NamesAndZeroConvert)
+TEST_F(ServiceDiscoveryModeConversion, NamesConvertAndTheRestGivesNoServiceDiscoveryWithAnErrorRecord)
 {
-    UseProductSettings("supported-service-discovery-modes=ZooKeeper,AOSS\n");
-    EXPECT_EQ(0u, SOUtils::ConvertStrToServiceDiscoveryMode(u"0", &m_log, true));
-    EXPECT_EQ(0u, SOUtils::ConvertStrToServiceDiscoveryMode(u"No Service Discovery", &m_log, true));
-    EXPECT_EQ(1u, SOUtils::ConvertStrToServiceDiscoveryMode(u"ZooKeeper", &m_log, true));
-    EXPECT_EQ(2u, SOUtils::ConvertStrToServiceDiscoveryMode(u"aoss", &m_log, false));
-    EXPECT_FALSE(m_log.Contains(Support::LOG_ERROR, ""));
-}
-
-TEST_F(ServiceDiscoveryModeConversion, UnknownTextGivesNoServiceDiscoveryWithAnErrorRecord)
-{
-    EXPECT_EQ(0u, SOUtils::ConvertStrToServiceDiscoveryMode(u"1", &m_log, true));
-    EXPECT_TRUE(m_log.Contains(Support::LOG_ERROR,
-                               "Unable to derive Service Discovery Mode from value \"1\". Using default Service "
-                               "Discovery Mode \"No Service Discovery\"."));
-    m_log.records.clear();
-    EXPECT_EQ(0u, SOUtils::ConvertStrToServiceDiscoveryMode(u"aoss", &m_log, true));
-    EXPECT_TRUE(m_log.Contains(Support::LOG_ERROR, "Unable to derive"));
-}
-
-TEST_F(ServiceDiscoveryModeConversion, ModeTheProductDoesNotOfferGivesNoServiceDiscovery)
-{
-    UseProductSettings("suppress-aoss=1\n");
-    EXPECT_EQ(0u, SOUtils::ConvertStrToServiceDiscoveryMode(u"AOSS", &m_log, true));
-    EXPECT_TRUE(m_log.Contains(Support::LOG_ERROR,
-                               "Service discovery mode \"AOSS\" not supported. Using \"No Service Discovery\" instead."));
+    const struct
+    {
+        const char* settings;
+        const char16_t* text;
+        bool caseSensitive;
+        unsigned mode;
+        const char* error;  ///< the error record, nullptr: none
+    } cases[] = {
+        {"supported-service-discovery-modes=ZooKeeper,AOSS\n", u"0", true, 0, nullptr},
+        {"supported-service-discovery-modes=ZooKeeper,AOSS\n", u"No Service Discovery", true, 0, nullptr},
+        {"supported-service-discovery-modes=ZooKeeper,AOSS\n", u"ZooKeeper", true, 1, nullptr},
+        {"supported-service-discovery-modes=ZooKeeper,AOSS\n", u"aoss", false, 2, nullptr},
+        {"", u"1", true, 0,
+         "Unable to derive Service Discovery Mode from value \"1\". Using default Service Discovery Mode \"No "
+         "Service Discovery\"."},
+        {"", u"aoss", true, 0, "Unable to derive"},
+        {"suppress-aoss=1\n", u"AOSS", true, 0,
+         "Service discovery mode \"AOSS\" not supported. Using \"No Service Discovery\" instead."},
+    };
+    for (const auto& c : cases)
+    {
+        SCOPED_TRACE(Support::StringConverter::ToUtf8(c.text));
+        UseProductSettings(c.settings);
+        Testing::RecordingLogger log;
+        EXPECT_EQ(c.mode, SOUtils::ConvertStrToServiceDiscoveryMode(c.text, &log, c.caseSensitive));
+        if (c.error != nullptr)
+        {
+            EXPECT_TRUE(log.Contains(Support::LOG_ERROR, c.error));
+        }
+        else
+        {
+            EXPECT_FALSE(log.Contains(Support::LOG_ERROR, ""));
+        }
+    }
 }

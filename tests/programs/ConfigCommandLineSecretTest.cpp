@@ -1,39 +1,15 @@
 // set-secret and the masking of secrets by show and get.
 #include <gtest/gtest.h>
 
-#include <sstream>
-
-#include "common/ProductSettingsFixture.h"
-#include "driversupport/DSUidPwdConfiguration.h"
-#include "programs/config-cli/ConfigCommandLine.h"
+#include "programs/ConfigCliFixture.h"
 
 using namespace Tarni;
 using SparkODBC::ConfigCommandLine;
 
-class CommandLineSecrets : public Testing::ProductSettingsFixture
+class CommandLineSecrets : public Testing::ConfigCliFixture<>
 {
 protected:
-    void TearDown() override
-    {
-        DriverSupport::DSUidPwdConfiguration::SetEncryptionOptionsEnabled(false);
-        DriverSupport::DSUidPwdConfiguration::SetDropPlainPasswordOnSave(false);
-        ProductSettingsFixture::TearDown();
-    }
-    int Run(std::vector<std::string> in_arguments, const std::string& in_input = "")
-    {
-        std::vector<tarni_wstring> arguments{u"--ini", Support::StringConverter::FromUtf8(m_ini.string())};
-        for (const auto& argument : in_arguments) arguments.push_back(Support::StringConverter::FromUtf8(argument));
-        m_out.str("");
-        m_err.str("");
-        std::istringstream in(in_input);
-        Support::TarniSettingReader::Reset();
-        return ConfigCommandLine(in, m_out, m_err).Run(arguments);
-    }
     std::string File() const { return Testing::TempDirectory::ReadFile(m_ini); }
-
-    std::filesystem::path m_ini = m_dir / "odbc.ini";
-    std::ostringstream m_out;
-    std::ostringstream m_err;
 };
 
 TEST_F(CommandLineSecrets, SetSecretReadsStandardInputAndSavesOnlyTheProtectedForm)

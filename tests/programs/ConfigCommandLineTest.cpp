@@ -1,35 +1,13 @@
 #include <gtest/gtest.h>
 
-#include <sstream>
-
-#include "common/ProductSettingsFixture.h"
 #include "common/TempDirectory.h"
 #include "product/QuillConfiguration.h"
-#include "programs/config-cli/ConfigCommandLine.h"
+#include "programs/ConfigCliFixture.h"
 
 using namespace Tarni;
-using SparkODBC::ConfigCommandLine;
 using Testing::TempDirectory;
 
-class CommandLine : public Testing::ProductSettingsFixture
-{
-protected:
-    int Run(std::vector<std::string> in_arguments)
-    {
-        std::vector<tarni_wstring> arguments{u"--ini", Support::StringConverter::FromUtf8(m_ini.string())};
-        for (const auto& argument : in_arguments)
-        {
-            arguments.push_back(Support::StringConverter::FromUtf8(argument));
-        }
-        m_out.str("");
-        m_err.str("");
-        std::istringstream in;
-        return ConfigCommandLine(in, m_out, m_err).Run(arguments);
-    }
-    std::filesystem::path m_ini = m_dir / "odbc.ini";
-    std::ostringstream m_out;
-    std::ostringstream m_err;
-};
+using CommandLine = Testing::ConfigCliFixture<>;
 
 TEST_F(CommandLine, ShowOnAMissingFilePrintsTheDefaultsAndCreatesNothing)
 {

@@ -1,47 +1,15 @@
 // What `set` and `unset` refuse before anything is written, what they warn
-// about, and the exit status of `show` and `get` when their output is lost.
+// about, and what a file written by hand may not hold.
 #include <gtest/gtest.h>
 
-#include <sstream>
-#include <streambuf>
 
-#include "common/ProductSettingsFixture.h"
-#include "programs/config-cli/ConfigCommandLine.h"
+#include "programs/ConfigCliFixture.h"
 
 using namespace Tarni;
 using SparkODBC::ConfigCommandLine;
 using Testing::TempDirectory;
 
-namespace
-{
-/// An output that cannot be written, as standard output on a full disk.
-class FullDisk : public std::streambuf
-{
-protected:
-    int_type overflow(int_type) override { return traits_type::eof(); }
-};
-}  // namespace
-
-class CommandLineChecks : public Testing::ProductSettingsFixture
-{
-protected:
-    int Run(std::vector<std::string> in_arguments, std::ostream* io_out = nullptr)
-    {
-        std::vector<tarni_wstring> arguments{u"--ini", Support::StringConverter::FromUtf8(m_ini.string())};
-        for (const auto& argument : in_arguments)
-        {
-            arguments.push_back(Support::StringConverter::FromUtf8(argument));
-        }
-        m_out.str("");
-        m_err.str("");
-        std::istringstream in;
-        Support::TarniSettingReader::Reset();
-        return ConfigCommandLine(in, io_out != nullptr ? *io_out : m_out, m_err).Run(arguments);
-    }
-    std::filesystem::path m_ini = m_dir / "odbc.ini";
-    std::ostringstream m_out;
-    std::ostringstream m_err;
-};
+using CommandLineChecks = Testing::ConfigCliFixture<>;
 
 TEST_F(CommandLineChecks, InvalidValuesAreRefusedNamingKeyValueAndWhatIsAcceptedAndNothingIsWritten)
 {
@@ -114,17 +82,6 @@ TEST_F(CommandLineChecks, UnsetOfNamesThatAreNoSettingIsAnError)
         EXPECT_NE(std::string::npos, m_err.str().find("unset")) << m_err.str();
         EXPECT_EQ(before, TempDirectory::ReadFile(m_ini)) << name;
     }
-}
-
-TEST_F(CommandLineChecks, ShowAndGetFailWhenStandardOutputCannotBeWritten)
-{
-    FullDisk full;
-    std::ostream out(&full);
-    EXPECT_EQ(1, Run({"show"}, &out));
-    EXPECT_NE(std::string::npos, m_err.str().find("cannot write to standard output"));
-    std::ostream out2(&full);
-    EXPECT_EQ(1, Run({"get", "Port"}, &out2));
-    EXPECT_NE(std::string::npos, m_err.str().find("cannot write to standard output"));
 }
 
 TEST_F(CommandLineChecks, AHandWrittenEmptyPropertyNameIsAnErrorNamingTheFile)

@@ -7,10 +7,9 @@
 #include "platform/OdbcInstaller.h"
 #include "product/SODataSourceConfiguration.h"
 #include "product/SODataSourceSession.h"
-#include "programs/config-cli/ConfigCommandLine.h"
+#include "programs/ConfigCliFixture.h"
 
 using namespace Tarni;
-using SparkODBC::ConfigCommandLine;
 using Testing::TempDirectory;
 
 namespace
@@ -29,23 +28,15 @@ std::string Section(const std::string& in_text, const std::string& in_name)
 }
 }  // namespace
 
-class DsnCommands : public Testing::OdbcInstallerFixture
+// The data sources' store and SPARKINI hold the settings: no --ini.
+class DsnCommands : public Testing::ConfigCliFixture<Testing::OdbcInstallerFixture>
 {
 protected:
-    int Run(std::vector<std::string> in_arguments, const std::string& in_input = "")
+    void SetUp() override
     {
-        std::vector<tarni_wstring> arguments;
-        for (const auto& argument : in_arguments)
-        {
-            arguments.push_back(Support::StringConverter::FromUtf8(argument));
-        }
-        m_out.str("");
-        m_err.str("");
-        std::istringstream in(in_input);
-        return ConfigCommandLine(in, m_out, m_err).Run(arguments);
+        ConfigCliFixture::SetUp();
+        m_ini.clear();
     }
-    std::ostringstream m_out;
-    std::ostringstream m_err;
 };
 
 TEST_F(DsnCommands, AddSetAndShowStoreOnlyWhatDiffersAndKeepOtherSections)

@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <chrono>
 #include <nlohmann/json.hpp>
-#include <sstream>
 
 #ifdef _WIN32
 #include <windows.h>
@@ -18,11 +17,9 @@
 #include "common/OdbcInstallerFixture.h"
 #endif
 
-#include "driversupport/DSUidPwdConfiguration.h"
-#include "programs/config-cli/ConfigCommandLine.h"
+#include "programs/ConfigCliFixture.h"
 
 using namespace Tarni;
-using SparkODBC::ConfigCommandLine;
 using Support::StringConverter;
 
 namespace
@@ -33,12 +30,14 @@ using InstallerFixture = Testing::ProductSettingsFixture;
 using InstallerFixture = Testing::OdbcInstallerFixture;
 #endif
 
-class DsnFleetCommands : public InstallerFixture
+// The data sources' store holds the settings: no --ini.
+class DsnFleetCommands : public Testing::ConfigCliFixture<InstallerFixture>
 {
 protected:
     void SetUp() override
     {
-        InstallerFixture::SetUp();
+        ConfigCliFixture::SetUp();
+        m_ini.clear();
 #ifdef _WIN32
         const auto process = static_cast<unsigned long>(::GetCurrentProcessId());
 #else
@@ -56,21 +55,7 @@ protected:
     void TearDown() override
     {
         Run({"dsn", "remove", m_dsn});
-        DriverSupport::DSUidPwdConfiguration::SetEncryptionOptionsEnabled(false);
-        DriverSupport::DSUidPwdConfiguration::SetDropPlainPasswordOnSave(false);
-        InstallerFixture::TearDown();
-    }
-    int Run(const std::vector<std::string>& in_arguments, const std::string& in_input = "")
-    {
-        // What the previous command read of the settings is not kept.
-        Support::TarniSettingReader::Reset();
-        m_out.str(std::string());
-        m_err.str(std::string());
-        std::vector<tarni_wstring> arguments(in_arguments.size());
-        std::transform(in_arguments.begin(), in_arguments.end(), arguments.begin(),
-                       [](const std::string& in_argument) { return StringConverter::FromUtf8(in_argument); });
-        std::istringstream in(in_input);
-        return ConfigCommandLine(in, m_out, m_err).Run(arguments);
+        ConfigCliFixture::TearDown();
     }
     /// Runs a command on the fixture's data source.
     int RunOn(std::vector<std::string> in_arguments, const std::string& in_input = "")
@@ -153,8 +138,6 @@ protected:
 
     std::string m_dsn;
     std::string m_driver;
-    std::ostringstream m_out;
-    std::ostringstream m_err;
 };
 }  // namespace
 

@@ -5,30 +5,25 @@
 
 #include <chrono>
 #include <nlohmann/json.hpp>
-#include <sstream>
 
 #ifdef _WIN32
 #include <windows.h>
 #endif
 
-#include "common/ProductSettingsFixture.h"
-#include "driversupport/DSUidPwdConfiguration.h"
-#include "platform/ProcessEnvironment.h"
 #include "platform/SettingsStoreFactory.h"
-#include "programs/config-cli/ConfigCommandLine.h"
+#include "programs/ConfigCliFixture.h"
 
 using namespace Tarni;
-using SparkODBC::ConfigCommandLine;
 using Support::StringConverter;
 
 namespace
 {
-class FleetCommands : public Testing::ProductSettingsFixture
+class FleetCommands : public Testing::ConfigCliFixture<>
 {
 protected:
     void SetUp() override
     {
-        ProductSettingsFixture::SetUp();
+        ConfigCliFixture::SetUp();
         // A registry key of its own per test: CTest runs tests in parallel processes.
         UseProductSettings(std::string("vendor-name=Tarni Test\ndriver-name=Fleet ") +
                            ::testing::UnitTest::GetInstance()->current_test_info()->name() + "\n");
@@ -39,27 +34,11 @@ protected:
     void TearDown() override
     {
         Clear();
-        DriverSupport::DSUidPwdConfiguration::SetEncryptionOptionsEnabled(false);
-        DriverSupport::DSUidPwdConfiguration::SetDropPlainPasswordOnSave(false);
-        ProductSettingsFixture::TearDown();
+        ConfigCliFixture::TearDown();
     }
     void Clear()
     {
         for (const auto& value : m_store->ReadAll()) m_store->DeleteValue(value.name);
-    }
-    int Run(std::vector<std::string> in_arguments, const std::string& in_input = "")
-    {
-        std::vector<tarni_wstring> arguments;
-        if (Platform::ProcessEnvironment::UsesIniStore())
-        {
-            arguments = {u"--ini", StringConverter::FromUtf8(m_ini.string())};
-        }
-        for (const auto& argument : in_arguments) arguments.push_back(StringConverter::FromUtf8(argument));
-        m_out.str("");
-        m_err.str("");
-        std::istringstream in(in_input);
-        Support::TarniSettingReader::Reset();
-        return ConfigCommandLine(in, m_out, m_err).Run(arguments);
     }
     /// The stored values, and when they were last written: the file's bytes
     /// and modification time, or the registry key's values and write time.
@@ -101,11 +80,8 @@ protected:
         return nlohmann::json::parse(in_text);
     }
 
-    std::filesystem::path m_ini = m_dir / "odbc.ini";
     Platform::DriverStoreLocation m_location;
     std::unique_ptr<Platform::ISettingsStore> m_store;
-    std::ostringstream m_out;
-    std::ostringstream m_err;
 };
 }  // namespace
 
@@ -258,15 +234,11 @@ TEST_F(FleetCommands, OutputThatCannotBeWrittenIsAnErrorWithoutAPartialDocument)
 {
     ASSERT_EQ(0, Run({"set", "KrbRealm=R"}));
     for (const std::vector<std::string>& arguments :
-         {std::vector<std::string>{"show", "--json"}, {"set", "KrbRealm=Q", "--json"}, {"--check", "unset", "KrbRealm"}})
+         {std::vector<std::string>{"show"}, {"get", "Port"}, {"show", "--json"}, {"set", "KrbRealm=Q", "--json"},
+          {"--check", "unset", "KrbRealm"}})
     {
-        std::vector<tarni_wstring> wide;
-        if (Platform::ProcessEnvironment::UsesIniStore()) wide = {u"--ini", StringConverter::FromUtf8(m_ini.string())};
-        for (const auto& argument : arguments) wide.push_back(StringConverter::FromUtf8(argument));
-        std::ostream closed(nullptr);  // every write fails
-        std::istringstream in;
-        m_err.str("");
-        EXPECT_EQ(1, ConfigCommandLine(in, closed, m_err).Run(wide)) << arguments[0];
+        std::ostream closed(nullptr);  // every write fails, as on a full disk
+        EXPECT_EQ(1, Run(arguments, "", &closed)) << arguments[0];
         EXPECT_NE(std::string::npos, m_err.str().find("cannot write to standard output")) << m_err.str();
     }
 }

@@ -10,37 +10,22 @@
 
 #include <chrono>
 #include <fstream>
-#include <sstream>
 #include <thread>
 
 #include <nlohmann/json.hpp>
 #include <thrift/transport/TServerSocket.h>
 
-#include "common/ProductSettingsFixture.h"
 #include "common/TempDirectory.h"
-#include "programs/config-cli/ConfigCommandLine.h"
+#include "programs/ConfigCliFixture.h"
 #include "thrift/connectiontest/server/TestTCLIServer.h"
 
 using namespace Tarni;
-using SparkODBC::ConfigCommandLine;
 using Testing::TempDirectory;
 using Testing::TestTCLIServer;
 
-class TestCommand : public Testing::ProductSettingsFixture
+class TestCommand : public Testing::ConfigCliFixture<>
 {
 protected:
-    int Run(std::vector<std::string> in_arguments, const std::string& in_input = "")
-    {
-        std::vector<tarni_wstring> arguments{u"--ini", Support::StringConverter::FromUtf8(m_ini.string())};
-        for (const auto& argument : in_arguments)
-        {
-            arguments.push_back(Support::StringConverter::FromUtf8(argument));
-        }
-        m_out.str("");
-        m_err.str("");
-        std::istringstream in(in_input);
-        return ConfigCommandLine(in, m_out, m_err).Run(arguments);
-    }
     // The steps of a --json report as "id:status ...".
     static std::string Steps(const nlohmann::json& in_report)
     {
@@ -52,20 +37,19 @@ protected:
         }
         return steps;
     }
-
-    std::filesystem::path m_ini = m_dir / "odbc.ini";
-    std::ostringstream m_out;
-    std::ostringstream m_err;
 };
 
-TEST_F(TestCommand, PrintsTheReportAndExitsWithTheOutcome)
+// Against a SASL server that knows alice: the plain report, --verbose and
+// --json; each failing case breaks one step and the list ends there.
+TEST_F(TestCommand, PrintsTheReportAndTheStepsAndExitsWithTheOutcome)
 {
     TestTCLIServer::Options options;
     options.mode = TestTCLIServer::Mode::Sasl;
     options.user = "alice";
     options.password = "pw-123";
     TestTCLIServer server(options);
-    ASSERT_EQ(0, Run({"set", "AuthMech=3", "ThriftTransport=1", "UID=alice"})) << m_err.str();
+    ASSERT_EQ(0, Run({"set", "AuthMech=3", "ThriftTransport=1", "UID=alice", "ConnectionTestTimeout=5"}))
+        << m_err.str();
     ASSERT_EQ(0, Run({"set-secret", "PWD"}, "pw-123\n")) << m_err.str();
     const std::string before = TempDirectory::ReadFile(m_ini);
 
@@ -91,24 +75,6 @@ TEST_F(TestCommand, PrintsTheReportAndExitsWithTheOutcome)
     EXPECT_NE(m_err.str().find("PWD is a secret"), std::string::npos);
     EXPECT_EQ(m_err.str().find("pw-123"), std::string::npos);
     EXPECT_EQ(2, Run({"test", "Port"}));
-
-    // The changes of the command line were for the attempts only.
-    EXPECT_EQ(TempDirectory::ReadFile(m_ini), before);
-}
-
-// --verbose and --json against a SASL server that knows alice; each case
-// breaks one step and the list ends there.
-TEST_F(TestCommand, VerboseAndJsonListTheStepsUpToTheOneThatFailed)
-{
-    TestTCLIServer::Options options;
-    options.mode = TestTCLIServer::Mode::Sasl;
-    options.user = "alice";
-    options.password = "pw-123";
-    TestTCLIServer server(options);
-    ASSERT_EQ(0, Run({"set", "AuthMech=3", "ThriftTransport=1", "UID=alice", "ConnectionTestTimeout=5"}));
-    ASSERT_EQ(0, Run({"set-secret", "PWD"}, "pw-123\n"));
-    const std::string host = "Host=127.0.0.1";
-    const std::string port = "Port=" + std::to_string(server.Port());
 
     EXPECT_EQ(0, Run({"test", "--verbose", host, port})) << m_out.str();
     const std::string text = m_out.str();
@@ -171,6 +137,8 @@ TEST_F(TestCommand, VerboseAndJsonListTheStepsUpToTheOneThatFailed)
     const nlohmann::json error = nlohmann::json::parse(m_err.str());
     EXPECT_EQ(error.at("exit"), 2);
     EXPECT_NE(error.at("error").get<std::string>().find("nonsense"), std::string::npos);
+    // The changes of the command line were for the attempts only.
+    EXPECT_EQ(TempDirectory::ReadFile(m_ini), before);
 }
 
 // The session step: the server takes bob's credentials but refuses his session.

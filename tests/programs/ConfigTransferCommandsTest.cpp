@@ -4,12 +4,8 @@
 // stand in for "-", and a bad file changes nothing.
 #include <gtest/gtest.h>
 
-#include <sstream>
-
-#include "common/ProductSettingsFixture.h"
 #include "driversupport/DSConfigurationFile.h"
-#include "driversupport/DSUidPwdConfiguration.h"
-#include "programs/config-cli/ConfigCommandLine.h"
+#include "programs/ConfigCliFixture.h"
 
 using namespace Tarni;
 using SparkODBC::ConfigCommandLine;
@@ -17,30 +13,13 @@ using Testing::TempDirectory;
 
 namespace
 {
-class CommandLineTransfer : public Testing::ProductSettingsFixture
+class CommandLineTransfer : public Testing::ConfigCliFixture<>
 {
 protected:
-    void TearDown() override
-    {
-        DriverSupport::DSUidPwdConfiguration::SetEncryptionOptionsEnabled(false);
-        DriverSupport::DSUidPwdConfiguration::SetDropPlainPasswordOnSave(false);
-        ProductSettingsFixture::TearDown();
-    }
-    int Run(const std::filesystem::path& in_ini, std::vector<std::string> in_arguments,
-            const std::string& in_input = "")
-    {
-        std::vector<tarni_wstring> arguments{u"--ini", Support::StringConverter::FromUtf8(in_ini.string())};
-        for (const auto& argument : in_arguments) arguments.push_back(Support::StringConverter::FromUtf8(argument));
-        m_out.str("");
-        m_err.str("");
-        std::istringstream in(in_input);
-        Support::TarniSettingReader::Reset();
-        return ConfigCommandLine(in, m_out, m_err).Run(arguments);
-    }
     /// `show` without the lines of secrets and logging settings.
     std::string ShownWithoutSecretsAndLogging(const std::filesystem::path& in_ini)
     {
-        EXPECT_EQ(0, Run(in_ini, {"show"})) << m_err.str();
+        EXPECT_EQ(0, RunOnIni(in_ini, {"show"})) << m_err.str();
         std::istringstream lines(m_out.str());
         std::string kept;
         for (std::string line; std::getline(lines, line);)
@@ -53,10 +32,7 @@ protected:
         return kept;
     }
 
-    std::filesystem::path m_ini = m_dir / "odbc.ini";
     std::filesystem::path m_fresh = m_dir / "fresh.ini";
-    std::ostringstream m_out;
-    std::ostringstream m_err;
 };
 
 const std::pair<const char*, const char*> SECRETS[] = {
@@ -67,16 +43,16 @@ const std::pair<const char*, const char*> SECRETS[] = {
 
 TEST_F(CommandLineTransfer, EveryKindOfValueSurvivesTheRoundTripAndNoSecretReachesTheFile)
 {
-    ASSERT_EQ(0, Run(m_ini, {"set", "SSP_spark.sql.shuffle=200", "http.header.X-Trace=a=b", "HDFSUser=J\xC3\xBCrgen \xE6\x97\xA5",
-                             "KrbRealm=  blanks  ", "Auth_Scope=", "HTTPPath=x=y=z", "UID=alice", "LogLevel=5",
-                             "LogPath=/var/log/tarni", "LCaseSspKeyName=0"}))
+    ASSERT_EQ(0, Run({"set", "SSP_spark.sql.shuffle=200", "http.header.X-Trace=a=b", "HDFSUser=J\xC3\xBCrgen \xE6\x97\xA5",
+                      "KrbRealm=  blanks  ", "Auth_Scope=", "HTTPPath=x=y=z", "UID=alice", "LogLevel=5",
+                      "LogPath=/var/log/tarni", "LCaseSspKeyName=0"}))
         << m_err.str();
     for (const auto& [key, secret] : SECRETS)
     {
-        ASSERT_EQ(0, Run(m_ini, {"set-secret", key}, std::string(secret) + "\n")) << key << m_err.str();
+        ASSERT_EQ(0, Run({"set-secret", key}, std::string(secret) + "\n")) << key << m_err.str();
     }
     const auto file = m_dir / "backup.sdc";
-    ASSERT_EQ(0, Run(m_ini, {"export", file.string()})) << m_err.str();
+    ASSERT_EQ(0, Run({"export", file.string()})) << m_err.str();
     const std::string exported = TempDirectory::ReadFile(file);
     for (const auto& [key, secret] : SECRETS)
     {
@@ -88,23 +64,23 @@ TEST_F(CommandLineTransfer, EveryKindOfValueSurvivesTheRoundTripAndNoSecretReach
     }
     EXPECT_NE(exported.find("\nSSP_spark.sql.shuffle=200\n"), std::string::npos) << exported;
 
-    ASSERT_EQ(0, Run(m_fresh, {"import", file.string()})) << m_err.str();
+    ASSERT_EQ(0, RunOnIni(m_fresh, {"import", file.string()})) << m_err.str();
     EXPECT_EQ(ShownWithoutSecretsAndLogging(m_fresh), ShownWithoutSecretsAndLogging(m_ini));
-    ASSERT_EQ(0, Run(m_fresh, {"get", "LCaseSspKeyName"}));
+    ASSERT_EQ(0, RunOnIni(m_fresh, {"get", "LCaseSspKeyName"}));
     EXPECT_EQ(m_out.str(), "0\n");
 
     // The same through standard output and input.
-    ASSERT_EQ(0, Run(m_ini, {"export", "-"}));
+    ASSERT_EQ(0, Run({"export", "-"}));
     EXPECT_EQ(m_out.str(), exported);
     std::filesystem::remove(m_fresh);
-    ASSERT_EQ(0, Run(m_fresh, {"import", "-"}, exported)) << m_err.str();
+    ASSERT_EQ(0, RunOnIni(m_fresh, {"import", "-"}, exported)) << m_err.str();
     EXPECT_EQ(ShownWithoutSecretsAndLogging(m_fresh), ShownWithoutSecretsAndLogging(m_ini));
 }
 
 TEST_F(CommandLineTransfer, ImportReplacesTheConfigurationAndKeepsTheMachinesLoggingSettings)
 {
-    ASSERT_EQ(0, Run(m_ini, {"set", "SSP_old=1", "SocketTimeout=5", "LogLevel=3"}));
-    ASSERT_EQ(0, Run(m_ini, {"import", "-"}, "SSP_new=2\r\nAuthMech=3\r\n"));
+    ASSERT_EQ(0, Run({"set", "SSP_old=1", "SocketTimeout=5", "LogLevel=3"}));
+    ASSERT_EQ(0, Run({"import", "-"}, "SSP_new=2\r\nAuthMech=3\r\n"));
     const std::string ini = TempDirectory::ReadFile(m_ini);
     EXPECT_EQ(ini.find("SSP_old"), std::string::npos) << ini;
     EXPECT_NE(ini.find("SSP_new=2"), std::string::npos) << ini;
@@ -113,25 +89,25 @@ TEST_F(CommandLineTransfer, ImportReplacesTheConfigurationAndKeepsTheMachinesLog
     EXPECT_NE(ini.find("AuthMech=3"), std::string::npos) << ini;
 
     // An empty file: every setting back to its default, as in a store saved once with nothing changed.
-    ASSERT_EQ(0, Run(m_ini, {"import", "-"}, ""));
-    ASSERT_EQ(0, Run(m_fresh, {"set", "SocketTimeout=60"}));
+    ASSERT_EQ(0, Run({"import", "-"}, ""));
+    ASSERT_EQ(0, RunOnIni(m_fresh, {"set", "SocketTimeout=60"}));
     EXPECT_EQ(ShownWithoutSecretsAndLogging(m_ini), ShownWithoutSecretsAndLogging(m_fresh));
 }
 
 TEST_F(CommandLineTransfer, ABadFileIsNamedWithItsLineAndChangesNothing)
 {
-    ASSERT_EQ(0, Run(m_ini, {"set", "KrbRealm=R"}));
+    ASSERT_EQ(0, Run({"set", "KrbRealm=R"}));
     const std::string before = TempDirectory::ReadFile(m_ini);
     const auto bad = m_dir / "bad.sdc";
     TempDirectory::WriteFile(bad, "Host=x\nKrbRealm=\xC0\xAF\n");
-    EXPECT_EQ(1, Run(m_ini, {"import", bad.string()}));
+    EXPECT_EQ(1, Run({"import", bad.string()}));
     EXPECT_NE(m_err.str().find("bad.sdc"), std::string::npos) << m_err.str();
-    EXPECT_EQ(1, Run(m_ini, {"import", "-"}, std::string("A=1\n\0B=2\n", 10)));
-    EXPECT_EQ(1, Run(m_ini, {"import", "-"}, std::string(DriverSupport::DSConfigurationFile::MAX_FILE_BYTES + 1, 'x')));
-    EXPECT_EQ(1, Run(m_ini, {"import", m_dir.Path().string()}));
-    EXPECT_EQ(1, Run(m_ini, {"import", (m_dir / "absent.sdc").string()}));
-    EXPECT_EQ(1, Run(m_ini, {"export", (m_dir / "absent" / "x.sdc").string()}));
+    EXPECT_EQ(1, Run({"import", "-"}, std::string("A=1\n\0B=2\n", 10)));
+    EXPECT_EQ(1, Run({"import", "-"}, std::string(DriverSupport::DSConfigurationFile::MAX_FILE_BYTES + 1, 'x')));
+    EXPECT_EQ(1, Run({"import", m_dir.Path().string()}));
+    EXPECT_EQ(1, Run({"import", (m_dir / "absent.sdc").string()}));
+    EXPECT_EQ(1, Run({"export", (m_dir / "absent" / "x.sdc").string()}));
     EXPECT_EQ(before, TempDirectory::ReadFile(m_ini));
-    EXPECT_EQ(2, Run(m_ini, {"export"}));
-    EXPECT_EQ(2, Run(m_ini, {"import", "a", "b"}));
+    EXPECT_EQ(2, Run({"export"}));
+    EXPECT_EQ(2, Run({"import", "a", "b"}));
 }

@@ -13,6 +13,7 @@
 #include "support/crypto/LibCrypto.h"
 #include "thrift/ErrorCapture.h"
 #include "common/RecordingLogger.h"
+#include "common/TempDirectory.h"
 #include "thrift/TEAutoEVPPKey.h"
 #include "thrift/TEOCICredentialsReader.h"
 #include "thrift/TEUtils.h"
@@ -41,17 +42,6 @@ protected:
         {
             GTEST_SKIP() << "the openssl tool is not available";
         }
-        m_folder = fs::temp_directory_path() /
-                   ("tarni-te-signing-" + std::to_string(std::chrono::steady_clock::now().time_since_epoch().count()));
-        fs::create_directories(m_folder);
-    }
-    void TearDown() override
-    {
-        if (!m_folder.empty())
-        {
-            std::error_code ignored;
-            fs::remove_all(m_folder, ignored);
-        }
     }
 
     std::string PathOf(const std::string& in_name) const { return (m_folder / in_name).string(); }
@@ -71,7 +61,8 @@ protected:
         return path;
     }
 
-    fs::path m_folder;
+    Testing::TempDirectory m_dir;
+    const fs::path m_folder = m_dir.Path();
     RecordingLogger m_log;
 };
 }  // namespace

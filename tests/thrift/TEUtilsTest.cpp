@@ -286,11 +286,3 @@ TEST(TEUtilsTest, TransportExceptionTranslation)
         }
     }
 }
-
-TEST(TEUtilsTest, KeyFilePasswordKeys)
-{
-    const DriverSupport::DSUidPwdKeySet keys = TEUtils::GetKeyFilePasswordKey();
-    EXPECT_EQ(keys.Pwd(), u"keyFilePassword");
-    EXPECT_EQ(keys.EncryptedPwd(), u"EncryptedKeyFilePassword");
-    EXPECT_EQ(keys.Uid(), u"");
-}

@@ -61,7 +61,6 @@ protected:
     tarni_wstring Wide(const std::filesystem::path& in_path) { return StringConverter::FromUtf8(in_path.string()); }
 
     DSDSNConfiguration m_configuration;
-    TempDirectory m_dir;
 };
 }  // namespace
 

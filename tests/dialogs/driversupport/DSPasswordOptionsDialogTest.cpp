@@ -85,11 +85,7 @@ TEST_F(DSPasswordOptionsDialogTest, OkWithNeitherButtonCheckedTurnsEncryptionOff
 
 TEST_F(DSPasswordOptionsDialogTest, CancelEscapeAndTheCloseBoxChangeNothing)
 {
-    using Action = void (*)(ScriptedDialogWindow&);
-    const Action closers[] = {[](ScriptedDialogWindow& w) { w.Click(IDCANCEL); },
-                              [](ScriptedDialogWindow& w) { w.PressEscape(); },
-                              [](ScriptedDialogWindow& w) { w.PressCloseBox(); }};
-    for (Action close : closers)
+    for (Testing::CloseAction close : Testing::CLOSERS)
     {
         SetScope(true, false);
         m_host.ExpectDialog(IDD_PASSWORD_OPTIONS, [close](ScriptedDialogWindow& w) {

@@ -23,17 +23,9 @@ class DSProxyConfigurationDialogTest : public Testing::DialogTest
 protected:
     DSProxyConfigurationDialogTest() : m_proxy(m_map, &m_logger, 2) {}
 
-    void TearDown() override
-    {
-        UseVendor("");
-        DialogTest::TearDown();
-    }
-
     void UseVendor(const std::string& in_vendor)
     {
-        const auto path = m_dir / "SparkODBC.did";
-        Testing::TempDirectory::WriteFile(path, in_vendor.empty() ? "" : "vendor-name=" + in_vendor + "\n");
-        DSProductHelper::LoadProductSettings(Support::StringConverter::FromUtf8(path.string()));
+        UseProductSettings(in_vendor.empty() ? "" : "vendor-name=" + in_vendor + "\n");
     }
 
     void StoreProxy(const char16_t* in_useProxy)
@@ -46,7 +38,6 @@ protected:
         }
     }
 
-    Testing::TempDirectory m_dir;
     ConfigurationMap m_map;
     DSProxyConfiguration m_proxy;
 };

@@ -34,18 +34,6 @@ protected:
         DialogTest::SetUp();
         UseProductSettings("");
     }
-    void TearDown() override
-    {
-        DriverSupport::DSProductHelper::LoadProductSettings(
-            Support::StringConverter::FromUtf8((m_dir / "none.did").string()));
-        DialogTest::TearDown();
-    }
-    void UseProductSettings(const std::string& in_lines)
-    {
-        const auto path = m_dir / "SparkODBC.did";
-        Testing::TempDirectory::WriteFile(path, in_lines);
-        DriverSupport::DSProductHelper::LoadProductSettings(Support::StringConverter::FromUtf8(path.string()));
-    }
 
     /// Runs the dialog of the descriptor's variant over m_map; the script plays the user.
     bool Run(const DSSSLKeySetDescriptor& in_descriptor, bool in_minTls, ScriptedDialogHost::DialogScript in_script,
@@ -56,7 +44,6 @@ protected:
         return DSSSLDialog::Show(nullptr, m_ssl.get(), in_mayChangeSsl);
     }
 
-    Testing::TempDirectory m_dir;
     ConfigurationMap m_map;
     std::unique_ptr<DSSSLConfiguration> m_ssl;
 };

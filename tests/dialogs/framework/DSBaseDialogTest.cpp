@@ -62,14 +62,30 @@ protected:
 };
 }  // namespace
 
-TEST_F(DSBaseDialogTest, CentresOverTheParentAndKeepsTheSize)
+TEST_F(DSBaseDialogTest, CentresOverTheParentWithinTheDesktopAndKeepsTheSize)
 {
     // The Password Options template is 189 x 58 units: 283 x 94 pixels here.
-    const DialogRect child = CentreChildOver({100, 100, 701, 500});
-    EXPECT_EQ(child.Width(), 283);
-    EXPECT_EQ(child.Height(), 94);
-    EXPECT_EQ(child.left, (100 + 701 - 283) / 2);
-    EXPECT_EQ(child.top, (100 + 500 - 94) / 2);
+    const struct
+    {
+        const char* name;
+        DialogRect desktop, parent;
+        int left, top;
+    } cases[] = {
+        {"centred", {0, 0, 1024, 768}, {100, 100, 701, 500}, (100 + 701 - 283) / 2, (100 + 500 - 94) / 2},
+        {"crossing the bottom: desktop top minus its height", {0, 0, 1024, 768}, {300, 700, 700, 800},
+         (300 + 700 - 283) / 2, 0 - 94},
+        {"left of the desktop: its left edge", {-1000, 0, 1024, 768}, {-1400, 100, -1300, 300}, -1000, 153},
+        {"past the right edge: right side on the desktop's", {-1000, 0, 1024, 768}, {1000, 100, 1100, 300},
+         1024 - 283, 153},
+        {"(-600 + -400 - 283) / 2 = -641.5: towards zero", {-1000, 0, 1024, 768}, {-600, 100, -400, 300}, -641,
+         153},
+    };
+    for (const auto& c : cases)
+    {
+        m_host.SetDesktopRect(c.desktop);
+        const DialogRect child = CentreChildOver(c.parent);
+        EXPECT_EQ(child, (DialogRect{c.left, c.top, c.left + 283, c.top + 94})) << c.name;
+    }
 }
 
 TEST_F(DSBaseDialogTest, WithoutAParentCentresOnTheDesktop)
@@ -81,25 +97,6 @@ TEST_F(DSBaseDialogTest, WithoutAParentCentresOnTheDesktop)
         w.PressEscape();
     });
     m_host.DialogBoxParam(IDD_PASSWORD_OPTIONS, nullptr, &Centring, 0);
-}
-
-TEST_F(DSBaseDialogTest, ADialogCrossingTheBottomGoesToDesktopTopMinusItsHeight)
-{
-    m_host.SetDesktopRect({0, 0, 1024, 768});
-    const DialogRect child = CentreChildOver({300, 700, 700, 800});
-    EXPECT_EQ(child.top, 0 - 94);
-    EXPECT_EQ(child.left, (300 + 700 - 283) / 2);
-}
-
-TEST_F(DSBaseDialogTest, ClampsToTheLeftAndRightEdgesAndRoundsTowardsZero)
-{
-    m_host.SetDesktopRect({-1000, 0, 1024, 768});
-    // Left of the desktop: moved to its left edge.
-    EXPECT_EQ(CentreChildOver({-1400, 100, -1300, 300}).left, -1000);
-    // Past the right edge: moved so that its right side is the desktop's.
-    EXPECT_EQ(CentreChildOver({1000, 100, 1100, 300}).left, 1024 - 283);
-    // (-600 + -400 - 283) / 2 = -641.5: towards zero, -641.
-    EXPECT_EQ(CentreChildOver({-600, 100, -400, 300}).left, -641);
 }
 
 TEST_F(DSBaseDialogTest, TheFrameworkLoaderGrowsIn2048StepsAndLoadsLongStringsWhole)

@@ -55,12 +55,8 @@ TEST_F(QuillZkDialogTest, OkIsDisabledWhileTheNamespaceIsEmptyAndABlankIsAccepte
 
 TEST_F(QuillZkDialogTest, CancelEscapeAndTheCloseBoxLeaveTheNamespace)
 {
-    using Action = void (*)(ScriptedDialogWindow&);
-    const Action closers[] = {[](ScriptedDialogWindow& w) { w.Click(IDCANCEL); },
-                              [](ScriptedDialogWindow& w) { w.PressEscape(); },
-                              [](ScriptedDialogWindow& w) { w.PressCloseBox(); }};
     m_configuration.SetValue(Keys::ZKNamespace, u"keep");
-    for (Action close : closers)
+    for (Testing::CloseAction close : Testing::CLOSERS)
     {
         m_host.ExpectDialog(IDD_ZOOKEEPER_OPTIONS, [close](ScriptedDialogWindow& w) {
             w.Type(IDC_ZK_NAMESPACE, u"changed");

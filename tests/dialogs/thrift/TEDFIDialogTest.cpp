@@ -33,7 +33,6 @@ protected:
     bool Show() { return TEDFIDialog().Show(nullptr, &m_configuration); }
     tarni_wstring Get(tarni_wstring_view in_key) const { return m_map.GetValue(in_key); }
 
-    Testing::TempDirectory m_dir;
     DriverSupport::ConfigurationMap m_map;
     TEDFIConfiguration m_configuration;
     tarni_wstring m_existing;
@@ -147,13 +146,9 @@ TEST_F(TEDFIDialogTest, PasswordOptionsEditsTheScopeAndAnUnsavedPasswordIsAnnoun
 
 TEST_F(TEDFIDialogTest, CancelEscapeAndTheCloseBoxChangeNothing)
 {
-    using Action = void (*)(ScriptedDialogWindow&);
-    const Action closers[] = {[](ScriptedDialogWindow& w) { w.Click(IDCANCEL); },
-                              [](ScriptedDialogWindow& w) { w.PressEscape(); },
-                              [](ScriptedDialogWindow& w) { w.PressCloseBox(); }};
     m_map.SetValue(Keys::OCIProfile, u"keep");
     const auto before = m_map;
-    for (Action close : closers)
+    for (Testing::CloseAction close : Testing::CLOSERS)
     {
         m_host.ExpectDialog(IDD_DFI_OPTIONS, [close](ScriptedDialogWindow& w) {
             w.Type(IDC_DFI_PROFILE, u"changed");

@@ -115,10 +115,7 @@ TEST_F(DriverConfigGuiTest, OkWritesTheConfigurationToTheRegistryAndExitsWithOne
 
 TEST_F(DriverConfigGuiTest, CancelEscapeAndTheCloseBoxLeaveTheRegistryAsItWas)
 {
-    using Closer = void (*)(HWND);
-    const Closer closers[] = {[](HWND d) { GuiDriver::Click(d, IDCANCEL); }, &GuiDriver::PressEscape,
-                              &GuiDriver::PressCloseBox};
-    for (Closer close : closers)
+    for (GuiDriver::Closer close : GuiDriver::CLOSERS)
     {
         const Snapshot before = Stored();
         const DWORD exitCode = RunProgram([&](HWND dialog) {
@@ -149,14 +146,6 @@ TEST_F(DriverConfigGuiTest, AMissingTemplateExitsWithMinusOneAndStillSaves)
 
 namespace
 {
-/// Presses a button by posting its command: the dialog it opens runs a modal
-/// loop of its own, which a sent click would wait for.
-void PostClick(HWND in_dialog, int in_id)
-{
-    ::PostMessageW(in_dialog, WM_COMMAND, MAKEWPARAM(in_id, BN_CLICKED),
-                   reinterpret_cast<LPARAM>(::GetDlgItem(in_dialog, in_id)));
-}
-
 /// Waits for the list box entry with exactly this text; its index or LB_ERR.
 LRESULT WaitForListEntry(HWND in_dialog, const std::wstring& in_text)
 {
@@ -177,7 +166,7 @@ LRESULT WaitForListEntry(HWND in_dialog, const std::wstring& in_text)
 /// Opens Edit Property with Add, types the pair and presses OK.
 void AddProperty(HWND in_list, const std::wstring& in_key, const std::wstring& in_value)
 {
-    PostClick(in_list, IDC_PROP_ADD);
+    GuiDriver::PostClick(in_list, IDC_PROP_ADD);
     HWND edit = GuiDriver::WaitForDialog(L"Edit Property");
     ASSERT_NE(edit, nullptr);
     EXPECT_FALSE(GuiDriver::Enabled(edit, IDOK)) << "OK waits for a key";
@@ -194,13 +183,13 @@ TEST_F(DriverConfigGuiTest, AServerSidePropertyAddedThreeDialogsDeepIsStoredUnde
     const std::wstring key = L"gui.ssp." + std::to_wstring(std::chrono::steady_clock::now().time_since_epoch().count());
     const std::u16string storedName = u"SSP_" + std::u16string(key.begin(), key.end());
     const DWORD exitCode = RunProgram([&](HWND main) {
-        PostClick(main, IDC_ADVANCED_OPTIONS);
+        GuiDriver::PostClick(main, IDC_ADVANCED_OPTIONS);
         HWND advanced = GuiDriver::WaitForDialog(L"Advanced Options");
         ASSERT_NE(advanced, nullptr);
         EXPECT_FALSE(GuiDriver::Enabled(advanced, IDC_ADV_MAX_BYTES_PER_FETCH));
         EXPECT_FALSE(::IsWindowVisible(::GetDlgItem(advanced, IDC_ADV_TEMP_TABLE_CONFIG)));
         EXPECT_EQ(GuiDriver::Text(advanced, IDC_ADV_ROWS_PER_BLOCK), L"10000");
-        PostClick(advanced, IDC_ADV_SERVER_SIDE_PROPERTIES);
+        GuiDriver::PostClick(advanced, IDC_ADV_SERVER_SIDE_PROPERTIES);
         HWND ssp = GuiDriver::WaitForDialog(L"Server Side Properties");
         ASSERT_NE(ssp, nullptr);
         EXPECT_FALSE(GuiDriver::Enabled(ssp, IDC_PROP_EDIT));
@@ -241,7 +230,7 @@ TEST_F(DriverConfigGuiTest, AnHttpHeaderWithAnEmptyValueIsStoredWithThePath)
     const DWORD exitCode = RunProgram([&](HWND main) {
         GuiDriver::Select(main, IDC_THRIFT_TRANSPORT, L"HTTP");
         ASSERT_TRUE(GuiDriver::Enabled(main, IDC_HTTP_OPTIONS));
-        PostClick(main, IDC_HTTP_OPTIONS);
+        GuiDriver::PostClick(main, IDC_HTTP_OPTIONS);
         HWND http = GuiDriver::WaitForDialog(L"HTTP Properties");
         ASSERT_NE(http, nullptr);
         EXPECT_TRUE(GuiDriver::Enabled(http, IDC_HTTP_PATH));
@@ -259,52 +248,6 @@ TEST_F(DriverConfigGuiTest, AnHttpHeaderWithAnEmptyValueIsStoredWithThePath)
     EXPECT_EQ(stored.at(u"HTTPPath"), u"gui/cliservice");
     Platform::SettingsStoreFactory::OpenDriverStore(m_location)->DeleteValue(storedName);
 }
-
-namespace
-{
-/// The visible dialog with the title owned by the process, after the command
-/// was posted to in_owner (posted: the dialog runs its own modal loop).
-HWND OpenFrom(HWND in_owner, int in_command, const std::wstring& in_title, DWORD in_processId)
-{
-    ::PostMessageW(in_owner, WM_COMMAND, MAKEWPARAM(in_command, BN_CLICKED), 0);
-    return GuiDriver::WaitForDialog(in_title, in_processId, std::chrono::seconds(30));
-}
-
-/// Types the path into the open-file box and presses its Open button.
-bool ChooseFile(HWND in_box, const std::wstring& in_path)
-{
-    // The file name field is the box's one editable field (on its own or
-    // inside the file name combo, depending on the system's version).
-    struct Search
-    {
-        HWND field = nullptr;
-        std::wstring seen;
-    } search;
-    ::EnumChildWindows(
-        in_box,
-        [](HWND in_child, LPARAM in_search) -> BOOL {
-            auto& s = *reinterpret_cast<Search*>(in_search);
-            wchar_t name[64] = {};
-            ::GetClassNameW(in_child, name, 64);
-            s.seen += std::wstring(name) + L":" + std::to_wstring(::GetDlgCtrlID(in_child)) + L" ";
-            if (s.field == nullptr && ::lstrcmpiW(name, L"Edit") == 0 && ::IsWindowVisible(in_child))
-            {
-                s.field = in_child;
-            }
-            return TRUE;
-        },
-        reinterpret_cast<LPARAM>(&search));
-    EXPECT_NE(search.field, nullptr) << "no file name field among " << std::string(search.seen.begin(), search.seen.end());
-    if (search.field == nullptr)
-    {
-        GuiDriver::Click(in_box, IDCANCEL);
-        return false;
-    }
-    ::SendMessageW(search.field, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(in_path.c_str()));
-    GuiDriver::Click(in_box, IDOK);
-    return true;
-}
-}  // namespace
 
 TEST_F(DriverConfigGuiTest, SslAndAossOptionsWrittenThroughRealDialogsReachTheRegistry)
 {
@@ -331,27 +274,26 @@ TEST_F(DriverConfigGuiTest, SslAndAossOptionsWrittenThroughRealDialogsReachTheRe
     const DWORD exitCode = RunProgram([&](HWND dialog) {
         DWORD processId = 0;
         ::GetWindowThreadProcessId(dialog, &processId);
-        HWND ssl = OpenFrom(dialog, IDC_SSL_OPTIONS, L"SSL Options", processId);
+        HWND ssl = GuiDriver::OpenFrom(dialog, IDC_SSL_OPTIONS, L"SSL Options", processId);
         ASSERT_NE(ssl, nullptr);
         GuiDriver::Click(ssl, IDC_SSL_ENABLE);
-        HWND open = OpenFrom(ssl, IDC_SSL_BROWSE_TRUSTED_CERTS, L"Open", processId);
+        HWND open = GuiDriver::OpenFrom(ssl, IDC_SSL_BROWSE_TRUSTED_CERTS, L"Open", processId);
         ASSERT_NE(open, nullptr) << "no open-file box";
-        ChooseFile(open, caFile);
-        EXPECT_TRUE(GuiDriver::WaitForClose(open)) << "the open-file box stayed";
+        EXPECT_TRUE(GuiDriver::ChooseFile(open, caFile)) << "the open-file box stayed";
         chosenPath = GuiDriver::Text(ssl, IDC_SSL_TRUSTED_CERTS);
         tlsShown = GuiDriver::Text(ssl, IDC_SSL_MIN_TLS);
         GuiDriver::Select(ssl, IDC_SSL_MIN_TLS, L"1.2");
         GuiDriver::Click(ssl, IDOK);
         GuiDriver::WaitForClose(ssl);
 
-        HWND aoss = OpenFrom(dialog, IDC_SERVICE_DISCOVERY_OPTIONS, L"AOSS Options", processId);
+        HWND aoss = GuiDriver::OpenFrom(dialog, IDC_SERVICE_DISCOVERY_OPTIONS, L"AOSS Options", processId);
         ASSERT_NE(aoss, nullptr);
         GuiDriver::Select(aoss, IDC_AOSS_AUTH_MECH, L"User Name and Password");
         GuiDriver::Type(aoss, IDC_AOSS_USER_NAME, L"watcher");
         GuiDriver::Type(aoss, IDC_AOSS_PASSWORD, L"");  // an earlier run may have stored one
         aossOkWithoutPassword = GuiDriver::Enabled(aoss, IDOK);
         GuiDriver::Type(aoss, IDC_AOSS_PASSWORD, L"aoss-s3cret");
-        HWND password = OpenFrom(aoss, IDC_AOSS_PASSWORD_OPTIONS, L"Password Options", processId);
+        HWND password = GuiDriver::OpenFrom(aoss, IDC_AOSS_PASSWORD_OPTIONS, L"Password Options", processId);
         ASSERT_NE(password, nullptr);
         GuiDriver::Click(password, IDC_PWD_CURRENT_USER_ONLY);
         GuiDriver::Click(password, IDOK);

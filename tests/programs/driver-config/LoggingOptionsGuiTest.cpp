@@ -28,47 +28,12 @@ using Tarni::Testing::GuiDriver;
 
 namespace
 {
-/// A button press that returns at once, even when the button opens a modal window.
-void PostClick(HWND in_dialog, int in_id)
-{
-    ::PostMessageW(in_dialog, WM_COMMAND, MAKEWPARAM(in_id, BN_CLICKED),
-                   reinterpret_cast<LPARAM>(::GetDlgItem(in_dialog, in_id)));
-}
-
-/// The visible dialog window owned by in_owner (a chooser or a box), waiting for it.
-HWND WaitForOwnedDialog(HWND in_owner)
-{
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-    while (std::chrono::steady_clock::now() < deadline)
-    {
-        HWND found = nullptr;
-        while ((found = ::FindWindowExW(nullptr, found, L"#32770", nullptr)) != nullptr)
-        {
-            if (::GetWindow(found, GW_OWNER) == in_owner && ::IsWindowVisible(found))
-            {
-                return found;
-            }
-        }
-        ::Sleep(50);
-    }
-    return nullptr;
-}
-
-/// Types the path into a file dialog's name field and presses its OK.
+/// Types the path into the file dialog that in_owner opened and presses its OK.
 void ChooseFile(HWND in_owner, const std::wstring& in_path)
 {
-    HWND chooser = WaitForOwnedDialog(in_owner);
+    HWND chooser = GuiDriver::WaitForOwnedDialog(in_owner);
     ASSERT_NE(chooser, nullptr) << "no file dialog";
-    // The explorer-style dialog names its field cmb13, the older one edt1.
-    HWND name = ::GetDlgItem(chooser, 0x47C);
-    if (name == nullptr)
-    {
-        name = ::GetDlgItem(chooser, 0x480);
-    }
-    ASSERT_NE(name, nullptr);
-    ::SendMessageW(name, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(in_path.c_str()));
-    PostClick(chooser, IDOK);
-    EXPECT_TRUE(GuiDriver::WaitForClose(chooser));
+    EXPECT_TRUE(GuiDriver::ChooseFile(chooser, in_path));
 }
 
 /// A fresh folder under Wine's temporary folder.
@@ -96,7 +61,7 @@ TEST(LoggingOptionsGuiTest, LevelFolderAndLimitsReachTheRegistryThroughTheMainDi
         [&] {
             HWND main = GuiDriver::WaitForDialog(L"Tarni Spark ODBC Driver Configuration", ::GetCurrentProcessId());
             ASSERT_NE(main, nullptr);
-            PostClick(main, IDC_LOGGING_OPTIONS);
+            GuiDriver::PostClick(main, IDC_LOGGING_OPTIONS);
             HWND logging = GuiDriver::WaitForDialog(L"Logging Options", ::GetCurrentProcessId());
             ASSERT_NE(logging, nullptr);
             EXPECT_EQ(GuiDriver::Text(logging, IDC_LOG_BROWSE), L"Browse...");
@@ -104,13 +69,13 @@ TEST(LoggingOptionsGuiTest, LevelFolderAndLimitsReachTheRegistryThroughTheMainDi
             EXPECT_TRUE(GuiDriver::Enabled(logging, IDC_LOG_BROWSE));
 
             // The shell's folder chooser, told which folder to select.
-            PostClick(logging, IDC_LOG_BROWSE);
-            HWND chooser = WaitForOwnedDialog(logging);
+            GuiDriver::PostClick(logging, IDC_LOG_BROWSE);
+            HWND chooser = GuiDriver::WaitForOwnedDialog(logging);
             ASSERT_NE(chooser, nullptr) << "no folder chooser";
             ::Sleep(1000);  // let the chooser fill its tree before it is told what to select
             ::SendMessageW(chooser, BFFM_SETSELECTIONW, TRUE, reinterpret_cast<LPARAM>(logs.c_str()));
             ::Sleep(500);
-            PostClick(chooser, IDOK);
+            GuiDriver::PostClick(chooser, IDOK);
             EXPECT_TRUE(GuiDriver::WaitForClose(chooser));
             for (int i = 0; i < 100 && GuiDriver::Text(logging, IDC_LOG_PATH).empty(); ++i)
             {
@@ -120,18 +85,18 @@ TEST(LoggingOptionsGuiTest, LevelFolderAndLimitsReachTheRegistryThroughTheMainDi
 
             GuiDriver::Type(logging, IDC_LOG_MAX_FILE_COUNT, L"9");
             GuiDriver::Type(logging, IDC_LOG_MAX_FILE_SIZE, L"4097");
-            PostClick(logging, IDOK);  // refused: an error box over the dialog
-            HWND box = WaitForOwnedDialog(logging);
+            GuiDriver::PostClick(logging, IDOK);  // refused: an error box over the dialog
+            HWND box = GuiDriver::WaitForOwnedDialog(logging);
             ASSERT_NE(box, nullptr);
             wchar_t text[512] = {};
             ::GetDlgItemTextW(box, 0xFFFF, text, 512);
             errorText = text;
-            PostClick(box, IDOK);
+            GuiDriver::PostClick(box, IDOK);
             EXPECT_TRUE(GuiDriver::WaitForClose(box));
             GuiDriver::Type(logging, IDC_LOG_MAX_FILE_SIZE, L"16");
-            PostClick(logging, IDOK);
+            GuiDriver::PostClick(logging, IDOK);
             EXPECT_TRUE(GuiDriver::WaitForClose(logging));
-            PostClick(main, IDOK);
+            GuiDriver::PostClick(main, IDOK);
         },
         [&] { return SparkODBC::SODriverConfigRun::Run(host); });
     EXPECT_EQ(result, 1);
@@ -171,12 +136,12 @@ TEST(LoggingOptionsGuiTest, ExportAndImportThroughTheCommonFileDialogs)
         [&] {
             HWND logging = GuiDriver::WaitForDialog(L"Logging Options", ::GetCurrentProcessId());
             ASSERT_NE(logging, nullptr);
-            PostClick(logging, IDC_LOG_EXPORT);
+            GuiDriver::PostClick(logging, IDC_LOG_EXPORT);
             ChooseFile(logging, exported);
-            PostClick(logging, IDC_LOG_IMPORT);
+            GuiDriver::PostClick(logging, IDC_LOG_IMPORT);
             ChooseFile(logging, imported);
             ::Sleep(300);
-            PostClick(logging, IDCANCEL);
+            GuiDriver::PostClick(logging, IDCANCEL);
             EXPECT_TRUE(GuiDriver::WaitForClose(logging));
         },
         [&] { return DriverSupport::DSLoggingDialog::Show(nullptr, &configuration); });

@@ -26,18 +26,10 @@ namespace
 {
 const std::wstring PROXY_TITLE = L"HTTP Proxy Options";
 
-/// Presses a button whose action opens a modal dialog: posted, so that the
-/// user's thread is free to drive the dialog that opens.
-void PressOpening(HWND in_dialog, int in_id)
-{
-    ::PostMessageW(in_dialog, WM_COMMAND, MAKEWPARAM(in_id, BN_CLICKED),
-                   reinterpret_cast<LPARAM>(::GetDlgItem(in_dialog, in_id)));
-}
-
 /// In the Password Options dialog that the button opens: the scope, then OK.
 void ChooseScope(HWND in_owner, int in_button, int in_scope)
 {
-    PressOpening(in_owner, in_button);
+    GuiDriver::PostClick(in_owner, in_button);
     HWND options = GuiDriver::WaitForDialog(L"Password Options", ::GetCurrentProcessId());
     ASSERT_NE(options, nullptr);
     GuiDriver::Click(options, in_scope);
@@ -60,7 +52,7 @@ TEST(ProxyOptionsGuiTest, TheRunStoresHostPortUserAndOnlyTheProtectedPassword)
         [&] {
             HWND main = GuiDriver::WaitForDialog(L"Tarni Spark ODBC Driver Configuration", ::GetCurrentProcessId());
             ASSERT_NE(main, nullptr);
-            PressOpening(main, IDC_PROXY_OPTIONS);
+            GuiDriver::PostClick(main, IDC_PROXY_OPTIONS);
             HWND dialog = GuiDriver::WaitForDialog(PROXY_TITLE, ::GetCurrentProcessId());
             ASSERT_NE(dialog, nullptr);
             if (GuiDriver::Checked(dialog, IDC_PROXY_USE))

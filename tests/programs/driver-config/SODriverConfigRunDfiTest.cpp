@@ -6,36 +6,22 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <filesystem>
 #include <fstream>
-#include <map>
 
-#include "driversupport/DSProductHelper.h"
-#include "platform/SettingsStoreFactory.h"
-#include "resource.h"
-#include "support/StringConverter.h"
-#include "ui/DialogConstants.h"
-#include "ui/scripted/ScriptedDialogHost.h"
+#include "programs/driver-config/DriverConfigRunFixture.h"
 
 using namespace Tarni;
 using namespace Tarni::Platform;
-using Tarni::DriverSupport::DSProductHelper;
 using Tarni::SparkODBC::SODriverConfigRun;
 using Tarni::Support::StringConverter;
 
 namespace
 {
-class SODriverConfigRunDfiTest : public ::testing::Test
+class SODriverConfigRunDfiTest : public Testing::DriverConfigRunFixture
 {
 protected:
     void SetUp() override
     {
-        const auto stamp = std::chrono::steady_clock::now().time_since_epoch().count();
-        m_folder = std::filesystem::temp_directory_path() / ("tarni-run-dfi-" + std::to_string(stamp));
-        std::filesystem::create_directories(m_folder);
-        m_options.iniPath = StringConverter::FromUtf8((m_folder / "odbc.ini").string());
-        m_configFile = StringConverter::FromUtf8((m_folder / "oci-config").string());
         std::ofstream(m_folder / "oci-config") << "[DEFAULT]\nregion=eu-frankfurt-1\n";
         // The registry outlives a test run: start without the keys checked here.
         auto store = Store();
@@ -51,30 +37,8 @@ protected:
             }
         }
     }
-    void TearDown() override
-    {
-        std::error_code ignored;
-        std::filesystem::remove_all(m_folder, ignored);
-    }
 
-    std::unique_ptr<ISettingsStore> Store() const
-    {
-        return SettingsStoreFactory::OpenDriverStore(DSProductHelper::GetDriverStoreLocation(m_options.iniPath));
-    }
-    std::map<tarni_wstring, tarni_wstring> Stored() const
-    {
-        std::map<tarni_wstring, tarni_wstring> values;
-        for (const auto& value : Store()->ReadAll())
-        {
-            values[value.name] = value.value;
-        }
-        return values;
-    }
-
-    std::filesystem::path m_folder;
-    SODriverConfigRun::Options m_options;
-    ScriptedDialogHost m_host;
-    tarni_wstring m_configFile;
+    const tarni_wstring m_configFile = StringConverter::FromUtf8((m_folder / "oci-config").string());
 };
 }  // namespace
 

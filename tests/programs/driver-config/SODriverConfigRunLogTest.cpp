@@ -4,21 +4,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <filesystem>
-#include <fstream>
-
-#include "driversupport/DSProductHelper.h"
-#include "platform/SettingsStoreFactory.h"
-#include "ui/DialogConstants.h"
-#include "ui/scripted/ScriptedDialogHost.h"
-#include "programs/driver-config/SODriverConfigRun.h"
-#include "resource.h"
-#include "support/StringConverter.h"
+#include "programs/driver-config/DriverConfigRunFixture.h"
 
 using namespace Tarni;
-using Tarni::DriverSupport::DSProductHelper;
-using Tarni::Platform::ScriptedDialogHost;
 using Tarni::Platform::ScriptedDialogWindow;
 using Tarni::SparkODBC::SODriverConfigRun;
 using Tarni::Support::StringConverter;
@@ -26,16 +14,9 @@ using testing::HasSubstr;
 
 namespace
 {
-class RunLog : public ::testing::Test
+class RunLog : public Testing::DriverConfigRunFixture
 {
 protected:
-    void SetUp() override
-    {
-        const auto stamp = std::chrono::steady_clock::now().time_since_epoch().count();
-        m_folder = std::filesystem::temp_directory_path() / ("tarni-runlog-" + std::to_string(stamp));
-        std::filesystem::create_directories(m_folder);
-        m_options.iniPath = StringConverter::FromUtf8((m_folder / "odbc.ini").string());
-    }
     void TearDown() override
     {
         // The registry outlives the test: the logging settings go again.
@@ -44,27 +25,13 @@ protected:
         {
             store->DeleteValue(key);
         }
-        std::error_code ignored;
-        std::filesystem::remove_all(m_folder, ignored);
-    }
-    std::unique_ptr<Platform::ISettingsStore> Store() const
-    {
-        return Platform::SettingsStoreFactory::OpenDriverStore(DSProductHelper::GetDriverStoreLocation(m_options.iniPath));
+        DriverConfigRunFixture::TearDown();
     }
     int RunAndOk()
     {
         m_host.ExpectDialog(IDD_DRIVER_CONFIG, [](ScriptedDialogWindow& w) { w.Click(Platform::IDOK); });
         return SODriverConfigRun::Run(m_host, m_options);
     }
-    static std::string ReadFile(const std::filesystem::path& in_path)
-    {
-        std::ifstream in(in_path, std::ios::binary);
-        return std::string(std::istreambuf_iterator<char>(in), {});
-    }
-
-    std::filesystem::path m_folder;
-    SODriverConfigRun::Options m_options;
-    ScriptedDialogHost m_host;
 };
 }  // namespace
 
@@ -78,7 +45,7 @@ TEST_F(RunLog, TheRunLogsUnderTheProductLogNameWithTheStoredSettings)
     EXPECT_EQ(u"TarniSparkODBC_DriverConfig.log", SODriverConfigRun::GetLogFileName());
     EXPECT_EQ(1, RunAndOk());
 
-    const std::string text = ReadFile(m_folder / "TarniSparkODBC_DriverConfig.log");
+    const std::string text = Testing::TempDirectory::ReadFile(m_folder / "TarniSparkODBC_DriverConfig.log");
     for (const char* entry : {"Tarni::SparkODBC::SODriverConfigRun::Run: +++++ enter +++++",
                               "Tarni::SparkODBC::QDCConfiguration::Load: +++++ enter +++++",
                               "Tarni::SparkODBC::QDCConfiguration::Save: +++++ enter +++++"})

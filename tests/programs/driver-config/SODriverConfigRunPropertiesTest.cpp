@@ -5,41 +5,25 @@
 // Properties -> Edit Property, saved by OK and read back by the next run.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
-#include <filesystem>
-#include <map>
 
-#include "driversupport/DSProductHelper.h"
-#include "platform/SettingsStoreFactory.h"
-#include "programs/driver-config/SODriverConfigRun.h"
-#include "resource.h"
-#include "support/StringConverter.h"
-#include "ui/DialogConstants.h"
-#include "ui/scripted/ScriptedDialogHost.h"
+#include "programs/driver-config/DriverConfigRunFixture.h"
 
 using namespace Tarni;
 using namespace Tarni::Platform;
-using Tarni::DriverSupport::DSProductHelper;
 using Tarni::SparkODBC::SODriverConfigRun;
 using Tarni::Support::StringConverter;
 
 namespace
 {
 using Window = ScriptedDialogWindow;
-using Snapshot = std::map<tarni_wstring, tarni_wstring>;
 
-class SODriverConfigRunPropertiesTest : public ::testing::Test
+class SODriverConfigRunPropertiesTest : public Testing::DriverConfigRunFixture
 {
 protected:
     void SetUp() override
     {
-        const auto stamp = std::chrono::steady_clock::now().time_since_epoch().count();
-        m_folder = std::filesystem::temp_directory_path() / ("tarni-run-props-" + std::to_string(stamp));
-        std::filesystem::create_directories(m_folder);
-        m_options.iniPath = StringConverter::FromUtf8((m_folder / "odbc.ini").string());
-        // Names of this run only: the registry outlives a test run.
-        m_name = StringConverter::FromAscii("tarni.test." + std::to_string(stamp));
-        m_longValue = tarni_wstring(4000, u'v');
         m_longValue.replace(0, 22, u" =é 値 a=b \"quoted\" = ");
         m_longValue.back() = u' ';
     }
@@ -54,23 +38,7 @@ protected:
                 store->DeleteValue(value.name);
             }
         }
-        std::error_code ignored;
-        std::filesystem::remove_all(m_folder, ignored);
-    }
-
-    std::unique_ptr<ISettingsStore> Store() const
-    {
-        return SettingsStoreFactory::OpenDriverStore(DSProductHelper::GetDriverStoreLocation(m_options.iniPath));
-    }
-
-    Snapshot Stored() const
-    {
-        Snapshot values;
-        for (const auto& value : Store()->ReadAll())
-        {
-            values[value.name] = value.value;
-        }
-        return values;
+        DriverConfigRunFixture::TearDown();
     }
 
     /// An Edit Property dialog that types the pair and presses OK.
@@ -83,11 +51,10 @@ protected:
         });
     }
 
-    std::filesystem::path m_folder;
-    SODriverConfigRun::Options m_options;
-    ScriptedDialogHost m_host;
-    tarni_wstring m_name;
-    tarni_wstring m_longValue;
+    // Names of this run only: the registry outlives a test run.
+    const tarni_wstring m_name = StringConverter::FromAscii(
+        "tarni.test." + std::to_string(std::chrono::steady_clock::now().time_since_epoch().count()));
+    tarni_wstring m_longValue = tarni_wstring(4000, u'v');
 };
 }  // namespace
 

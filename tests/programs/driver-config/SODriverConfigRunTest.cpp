@@ -8,31 +8,21 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <filesystem>
 #include <fstream>
-#include <map>
 #include <optional>
 
 #include "common/MemorySettingsStore.h"
 #include "driversupport/DSEncryptionUtils.h"
-#include "driversupport/DSProductHelper.h"
 #include "platform/ProcessEnvironment.h"
-#include "platform/SettingsStoreFactory.h"
-#include "ui/DialogConstants.h"
-#include "ui/scripted/ScriptedDialogHost.h"
-#include "resource.h"
-#include "support/StringConverter.h"
+#include "programs/driver-config/DriverConfigRunFixture.h"
 
 using namespace Tarni;
 using namespace Tarni::Platform;
-using Tarni::DriverSupport::DSProductHelper;
 using Tarni::SparkODBC::SODriverConfigRun;
 using Tarni::Support::StringConverter;
 
 namespace
 {
-using Snapshot = std::map<tarni_wstring, tarni_wstring>;
-
 // The run owns the store it opens; this one lends a test's store to it.
 class LentStore : public ISettingsStore
 {
@@ -53,46 +43,18 @@ private:
     ISettingsStore& m_store;
 };
 
-class SODriverConfigRunTest : public ::testing::Test
+class SODriverConfigRunTest : public Testing::DriverConfigRunFixture
 {
 protected:
-    void SetUp() override
-    {
-        const auto stamp = std::chrono::steady_clock::now().time_since_epoch().count();
-        m_folder = std::filesystem::temp_directory_path() / ("tarni-run-" + std::to_string(stamp));
-        std::filesystem::create_directories(m_folder);
-        m_options.iniPath = StringConverter::FromUtf8((m_folder / "odbc.ini").string());
-        m_token = StringConverter::FromAscii("uid-" + std::to_string(stamp));
-    }
-
-    void TearDown() override
-    {
-        DSProductHelper::LoadProductSettings(StringConverter::FromUtf8((m_folder / "absent.did").string()));
-        std::error_code ignored;
-        std::filesystem::remove_all(m_folder, ignored);
-    }
-
-    Snapshot Stored() const
-    {
-        auto store = SettingsStoreFactory::OpenDriverStore(DSProductHelper::GetDriverStoreLocation(m_options.iniPath));
-        Snapshot values;
-        for (const auto& value : store->ReadAll())
-        {
-            values[value.name] = value.value;
-        }
-        return values;
-    }
-
     int Run(ScriptedDialogHost::DialogScript in_script)
     {
         m_host.ExpectDialog(IDD_DRIVER_CONFIG, std::move(in_script));
         return SODriverConfigRun::Run(m_host, m_options);
     }
 
-    std::filesystem::path m_folder;
-    SODriverConfigRun::Options m_options;
-    ScriptedDialogHost m_host;
-    tarni_wstring m_token;
+    // A value of this run only: under Wine the registry outlives a test run.
+    const tarni_wstring m_token =
+        StringConverter::FromAscii("uid-" + std::to_string(std::chrono::steady_clock::now().time_since_epoch().count()));
 };
 }  // namespace
 
@@ -100,8 +62,7 @@ TEST_F(SODriverConfigRunTest, TheMainDialogShowsTheConfigurationAndOkSavesIt)
 {
     // The registry outlives a test run: start from known stored values.
     {
-        auto store =
-            SettingsStoreFactory::OpenDriverStore(DSProductHelper::GetDriverStoreLocation(m_options.iniPath));
+        auto store = Store();
         const std::pair<const char16_t*, const char16_t*> known[] = {
             {u"SparkServerType", u"3"}, {u"AuthMech", u"2"}, {u"ThriftTransport", u"0"},
             {u"ServiceDiscoveryMode", u"No Service Discovery"}, {u"KrbServiceName", u"spark"},
@@ -182,9 +143,7 @@ TEST_F(SODriverConfigRunTest, AMissingTemplateExitsWithMinusOneAndStillSaves)
 
 TEST_F(SODriverConfigRunTest, ZooKeeperAndPasswordOptionsOpenFromTheMainDialog)
 {
-    const auto settings = m_folder / "SparkODBC.did";
-    std::ofstream(settings) << "supported-service-discovery-modes=ZooKeeper,AOSS\n";
-    DSProductHelper::LoadProductSettings(StringConverter::FromUtf8(settings.string()));
+    UseProductSettings("supported-service-discovery-modes=ZooKeeper,AOSS\n");
 
     // Dialogs open in this order: the main dialog, then the two it opens.
     m_host.ExpectDialog(IDD_DRIVER_CONFIG, [](ScriptedDialogWindow& w) {
@@ -302,9 +261,7 @@ TEST_F(SODriverConfigRunTest, TheProxyIsStoredWithOnlyItsProtectedPasswordAndSho
 
 TEST_F(SODriverConfigRunTest, SslAndAossOptionsOpenFromTheMainDialogAndTheStoreHoldsTheirValues)
 {
-    const auto settings = m_folder / "SparkODBC.did";
-    std::ofstream(settings) << "supported-service-discovery-modes=ZooKeeper,AOSS\n";
-    DSProductHelper::LoadProductSettings(StringConverter::FromUtf8(settings.string()));
+    UseProductSettings("supported-service-discovery-modes=ZooKeeper,AOSS\n");
     const tarni_wstring caFile = StringConverter::FromUtf8((m_folder / "ca.pem").string());
     std::ofstream(m_folder / "ca.pem") << "-----BEGIN CERTIFICATE-----\n";
 
@@ -355,7 +312,7 @@ TEST_F(SODriverConfigRunTest, AStoredSecretThatCannotBeRecoveredSurvivesOkUntilA
     tampered.back() = tampered.back() == u'0' ? u'1' : u'0';
     tampered.pop_back();
     {
-        auto store = SettingsStoreFactory::OpenDriverStore(DSProductHelper::GetDriverStoreLocation(m_options.iniPath));
+        auto store = Store();
         store->BeginUpdate();
         store->WriteValue(u"AuthMech", u"3");
         store->WriteValue(u"UID", u"bob");

@@ -9,8 +9,8 @@
 
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 
+#include "common/TempDirectory.h"
 #include "ui/terminal/TmuxSession.h"
 
 namespace
@@ -19,49 +19,17 @@ using Tarni::Testing::TmuxSession;
 
 constexpr const char* TITLE = "Tarni Spark ODBC Driver DSN Setup";
 
-std::string ReadFile(const std::filesystem::path& in_path)
-{
-    std::ifstream in(in_path, std::ios::binary);
-    std::ostringstream out;
-    out << in.rdbuf();
-    return out.str();
-}
-
-int RowOf(const std::string& in_screen, const std::string& in_text)
-{
-    std::istringstream in(in_screen);
-    std::string line;
-    for (int row = 0; std::getline(in, line); ++row)
-    {
-        if (line.find(in_text) != std::string::npos)
-        {
-            return row;
-        }
-    }
-    return -1;
-}
-
 class SetupTerminal : public ::testing::Test
 {
 protected:
     void SetUp() override
     {
-        const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
-        m_folder = std::filesystem::temp_directory_path() /
-                   ("tarni-setup-terminal-" + std::to_string(::getpid()) + "-" + info->name());
-        std::filesystem::remove_all(m_folder);
         std::filesystem::create_directories(m_folder / "etc");
         std::filesystem::create_directories(m_folder / "home");
         std::ofstream(m_folder / "etc/odbcinst.ini")
             << "[Tarni Spark ODBC Driver]\nDescription=Spark\nSetup=" << TARNI_SETUP_LIBRARY << "\n";
         std::ofstream(m_folder / "etc/odbc.ini") << "";
     }
-    void TearDown() override
-    {
-        m_session.reset();
-        std::filesystem::remove_all(m_folder);
-    }
-
     /// Creates the data source with the command-line tool, then runs the command in tmux.
     void Start(const std::string& in_command)
     {
@@ -74,30 +42,17 @@ protected:
         ASSERT_TRUE(m_session->WaitForText(TITLE)) << m_session->Screen();
     }
 
-    /// Tabs until the caret is on the row of the label.
-    void FocusFieldOf(const std::string& in_label)
-    {
-        for (int i = 0; i < 40; ++i)
-        {
-            if (m_session->CursorRow() == RowOf(m_session->Screen(), in_label))
-            {
-                return;
-            }
-            m_session->Key("Tab");
-        }
-        FAIL() << "the field of " << in_label << " never took the focus:\n" << m_session->Screen();
-    }
-
     std::string Finish()
     {
         EXPECT_TRUE(m_session->WaitForText("RUN-DONE")) << m_session->Screen();
         return m_session->Screen();
     }
 
-    std::string UserIni() const { return ReadFile(m_folder / "home/.odbc.ini"); }
+    std::string UserIni() const { return Tarni::Testing::TempDirectory::ReadFile(m_folder / "home/.odbc.ini"); }
 
-    std::filesystem::path m_folder;
-    std::unique_ptr<TmuxSession> m_session;
+    Tarni::Testing::TempDirectory m_dir;
+    const std::filesystem::path m_folder = m_dir.Path();
+    std::unique_ptr<TmuxSession> m_session;  // ends before the folder goes
 };
 }  // namespace
 
@@ -106,7 +61,7 @@ TEST_F(SetupTerminal, TheDialogProgramEditsTheDataSourceNamedOnItsCommandLine)
     Start("'" + std::string(TARNI_DRIVER_CONFIG_EXE) + "' --dsn Sales");
     EXPECT_NE(std::string::npos, m_session->LineWith("Host(s):").find("spark.example.com"));
     EXPECT_NE(std::string::npos, m_session->LineWith("User Name:").find("alice"));
-    FocusFieldOf("Port:");
+    ASSERT_TRUE(m_session->FocusField("Port:")) << m_session->Screen();
     m_session->Key("C-u");
     m_session->Type("10009");
     ASSERT_TRUE(m_session->WaitForText("[10009"));

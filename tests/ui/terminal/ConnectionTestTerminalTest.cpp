@@ -15,36 +15,19 @@
 #include <thrift/transport/TServerSocket.h>
 
 #include "TmuxSession.h"
+#include "common/TempDirectory.h"
 #include "thrift/connectiontest/server/TestTCLIServer.h"
 
 namespace Tarni::Testing
 {
 namespace
 {
-std::string LastLine(const std::string& in_screen)
-{
-    std::string trimmed = in_screen;
-    while (!trimmed.empty() && trimmed.back() == '\n')
-    {
-        trimmed.pop_back();
-    }
-    return trimmed.substr(trimmed.rfind('\n') + 1);
-}
-
 class ConnectionTestTerminal : public ::testing::Test
 {
 protected:
-    void TearDown() override
-    {
-        m_session.reset();
-        std::filesystem::remove_all(m_folder);
-    }
-
     // The DSN setup dialog over the settings, with the focus on Test.
     void StartOn(std::uint16_t in_port, const std::string& in_timeout)
     {
-        m_folder = std::filesystem::temp_directory_path() / ("tarni-conntest-tmux-" + std::to_string(::getpid()));
-        std::filesystem::create_directories(m_folder);
         m_session = std::make_unique<TmuxSession>(
             m_folder.string(), "HOME=\"$PWD\" '" + std::string(TARNI_GALLERY_EXE) +
                                    "' 1093 Host=127.0.0.1 Port=" + std::to_string(in_port) +
@@ -52,15 +35,12 @@ protected:
                                    " ConnectionTestTimeout=" +
                                    in_timeout + "\necho RUN-DONE\nsleep 600\n");
         ASSERT_TRUE(m_session->WaitForText("DSN Setup")) << m_session->Screen();
-        for (int i = 0; i < 60 && LastLine(m_session->Screen()).rfind(" Test", 0) != 0; ++i)
-        {
-            m_session->Key("Tab");
-        }
-        ASSERT_EQ(LastLine(m_session->Screen()).rfind(" Test", 0), 0u) << m_session->Screen();
+        ASSERT_TRUE(m_session->FocusStatus(" Test")) << m_session->Screen();
     }
 
-    std::filesystem::path m_folder;
-    std::unique_ptr<TmuxSession> m_session;
+    TempDirectory m_dir;
+    const std::filesystem::path m_folder = m_dir.Path();
+    std::unique_ptr<TmuxSession> m_session;  // ends before the folder goes
 };
 
 TEST_F(ConnectionTestTerminal, TestOpensASessionAndShowsTheReport)

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "common/TempDirectory.h"
 #include "ui/terminal/PathCompletion.h"
 
 namespace Tarni::Platform
@@ -15,10 +16,6 @@ class PathCompletionTest : public ::testing::Test
 protected:
     void SetUp() override
     {
-        m_folder = std::filesystem::temp_directory_path() /
-                   ("tarni-completion-" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()) + "-" +
-                    ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        std::filesystem::remove_all(m_folder);
         std::filesystem::create_directories(m_folder / "backups");
         std::filesystem::create_directories(m_folder / "bin");
         for (const char* name : {"backup.sdc", "backup-old.sdc", "notes.txt", ".hidden.sdc"})
@@ -26,11 +23,11 @@ protected:
             std::ofstream(m_folder / name) << "x";
         }
     }
-    void TearDown() override { std::filesystem::remove_all(m_folder); }
 
     std::string In(const std::string& in_name) const { return (m_folder / in_name).string(); }
 
-    std::filesystem::path m_folder;
+    Testing::TempDirectory m_dir;
+    const std::filesystem::path m_folder = m_dir.Path();
 };
 }  // namespace
 

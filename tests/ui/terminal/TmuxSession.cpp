@@ -143,3 +143,53 @@ std::string TmuxSession::LineWith(const std::string& in_text, bool in_attributes
     return {};
 }
 }  // namespace Tarni::Testing
+
+namespace Tarni::Testing
+{
+int TmuxSession::RowOf(const std::string& in_text) const
+{
+    std::istringstream in(Screen());
+    std::string line;
+    for (int row = 0; std::getline(in, line); ++row)
+    {
+        if (line.find(in_text) != std::string::npos)
+        {
+            return row;
+        }
+    }
+    return -1;
+}
+
+std::string TmuxSession::StatusLine(const std::string& in_screen)
+{
+    std::string trimmed = in_screen;
+    while (!trimmed.empty() && trimmed.back() == '\n')
+    {
+        trimmed.pop_back();
+    }
+    return trimmed.substr(trimmed.rfind('\n') + 1);
+}
+
+bool TmuxSession::TabUntil(const std::function<bool()>& in_focused, int in_limit)
+{
+    for (int i = 0; i < in_limit; ++i)
+    {
+        if (in_focused())
+        {
+            return true;
+        }
+        Key("Tab");
+    }
+    return in_focused();
+}
+
+bool TmuxSession::FocusField(const std::string& in_label)
+{
+    return TabUntil([&]() { return CursorRow() == RowOf(in_label) && CursorRow() >= 0; });
+}
+
+bool TmuxSession::FocusStatus(const std::string& in_start)
+{
+    return TabUntil([&]() { return StatusLine(Screen()).rfind(in_start, 0) == 0; });
+}
+}  // namespace Tarni::Testing

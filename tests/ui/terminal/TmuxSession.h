@@ -37,8 +37,18 @@ public:
     int ChildPid() const;
     /// The line of the screen that holds the text, empty when none.
     std::string LineWith(const std::string& in_text, bool in_attributes = false) const;
+    /// The row of the first line that holds the text, -1 when none.
+    int RowOf(const std::string& in_text) const;
+    /// The last line of the screen: the host's status line, which names the
+    /// control with the focus (" OK", " Space: open list", ...).
+    static std::string StatusLine(const std::string& in_screen);
+    /// Presses Tab until the caret is on the row of the label; false when it never is.
+    bool FocusField(const std::string& in_label);
+    /// Presses Tab until the status line starts with the text; false when it never does.
+    bool FocusStatus(const std::string& in_start);
 
 private:
+    bool TabUntil(const std::function<bool()>& in_focused, int in_limit = 60);
     std::string Tmux(const std::string& in_arguments) const;
 
     std::string m_socket;

@@ -75,46 +75,35 @@ protected:
     QuillConfiguration m_configuration;
 };
 
-TEST_F(QuillConfigurationDialogWin32Test, SwitchingToDfiAndBackRestoresMechanismAndTransport)
+TEST_F(QuillConfigurationDialogWin32Test, TheDialogFollowsServerTypeAndServiceNameThroughWindowMessages)
 {
     m_configuration.SetValue(Keys::AuthMech, u"1");
     m_configuration.SetValue(Keys::ThriftTransport, u"2");
     std::wstring inDfi, back;
-    bool mechanismEnabledInDfi = true;
+    bool mechanismEnabledInDfi = true, okWithoutServiceName = true, okAgain = false;
     const auto result = Run(IDD_DRIVER_CONFIG, DRIVER_TITLE, [&](HWND d) {
         GuiDriver::Select(d, IDC_SERVER_TYPE, L"DFI");
         inDfi = Selected(d, IDC_AUTH_MECH) + L"/" + Selected(d, IDC_THRIFT_TRANSPORT);
         mechanismEnabledInDfi = GuiDriver::Enabled(d, IDC_AUTH_MECH);
         GuiDriver::Select(d, IDC_SERVER_TYPE, L"SparkThriftServer (Spark 1.1 and later)");
         back = Selected(d, IDC_AUTH_MECH) + L"/" + Selected(d, IDC_THRIFT_TRANSPORT);
+        // Kerberos without a service name: OK waits for one.
+        GuiDriver::Type(d, IDC_KRB_SERVICE_NAME, L"");
+        okWithoutServiceName = GuiDriver::Enabled(d, IDOK);
+        GuiDriver::Type(d, IDC_KRB_SERVICE_NAME, L"hive");
+        okAgain = GuiDriver::Enabled(d, IDOK);
         GuiDriver::Click(d, IDOK);
     });
     EXPECT_EQ(inDfi, L"User Name and Password/HTTP");
     EXPECT_FALSE(mechanismEnabledInDfi);
     EXPECT_EQ(back, L"Kerberos/HTTP");
+    EXPECT_FALSE(okWithoutServiceName);
+    EXPECT_TRUE(okAgain);
     EXPECT_EQ(result, 1);
     EXPECT_EQ(m_configuration.GetValue(Keys::SparkServerType), u"3");
     EXPECT_EQ(m_configuration.GetValue(Keys::AuthMech), u"1");
     EXPECT_EQ(m_configuration.GetValue(Keys::ThriftTransport), u"2");
-}
-
-TEST_F(QuillConfigurationDialogWin32Test, KerberosWithAnEmptyServiceNameDisablesOk)
-{
-    bool okBefore = false, okWithoutServiceName = true, okAgain = false;
-    const auto result = Run(IDD_DRIVER_CONFIG, DRIVER_TITLE, [&](HWND d) {
-        GuiDriver::Select(d, IDC_AUTH_MECH, L"Kerberos");
-        okBefore = GuiDriver::Enabled(d, IDOK);
-        GuiDriver::Type(d, IDC_KRB_SERVICE_NAME, L"");
-        okWithoutServiceName = GuiDriver::Enabled(d, IDOK);
-        GuiDriver::Type(d, IDC_KRB_SERVICE_NAME, L"hive");
-        okAgain = GuiDriver::Enabled(d, IDOK);
-        GuiDriver::Click(d, IDCANCEL);
-    });
-    EXPECT_TRUE(okBefore);
-    EXPECT_FALSE(okWithoutServiceName);
-    EXPECT_TRUE(okAgain);
-    EXPECT_EQ(result, 0);
-    EXPECT_EQ(m_configuration.GetValue(Keys::KrbServiceName), u"spark") << "Cancel writes no text";
+    EXPECT_EQ(m_configuration.GetValue(Keys::KrbServiceName), u"hive");
 }
 
 TEST_F(QuillConfigurationDialogWin32Test, ADsnNameWithAnAtSignIsRefusedInAMessageBox)
@@ -143,14 +132,6 @@ TEST_F(QuillConfigurationDialogWin32Test, ADsnNameWithAnAtSignIsRefusedInAMessag
     EXPECT_EQ(m_configuration.GetDsnName(), u"sales-east");
 }
 
-/// Presses a button whose action opens a modal dialog: posted, so this thread
-/// goes on while the dialog runs.
-void PostClick(HWND in_dialog, int in_id)
-{
-    ::PostMessageW(in_dialog, WM_COMMAND, MAKEWPARAM(in_id, BN_CLICKED),
-                   reinterpret_cast<LPARAM>(::GetDlgItem(in_dialog, in_id)));
-}
-
 TEST_F(QuillConfigurationDialogWin32Test, DfiAndSamlOptionsOpenForTheDfiServerType)
 {
     wchar_t temp[MAX_PATH] = {};
@@ -160,13 +141,13 @@ TEST_F(QuillConfigurationDialogWin32Test, DfiAndSamlOptionsOpenForTheDfiServerTy
     bool samlFlowEnabled = true;
     const auto result = Run(IDD_DRIVER_CONFIG, DRIVER_TITLE, [&](HWND d) {
         GuiDriver::Select(d, IDC_SERVER_TYPE, L"DFI");
-        PostClick(d, IDC_DFI_OPTIONS);
+        GuiDriver::PostClick(d, IDC_DFI_OPTIONS);
         HWND dfi = GuiDriver::WaitForDialog(L"DFI Options", ::GetCurrentProcessId(), std::chrono::seconds(20));
         ASSERT_NE(dfi, nullptr);
         GuiDriver::Type(dfi, IDC_DFI_CONFIG_FILE, missing);
         GuiDriver::Type(dfi, IDC_DFI_PROFILE, L"analytics");
         GuiDriver::Type(dfi, IDC_DFI_KEY_FILE_PASSWORD, L"k3y-pass");
-        PostClick(dfi, IDOK);
+        GuiDriver::PostClick(dfi, IDOK);
         if (HWND box = GuiDriver::WaitForDialog(L"DSN Configuration Error", ::GetCurrentProcessId(),
                                                 std::chrono::seconds(20)))
         {
@@ -177,16 +158,16 @@ TEST_F(QuillConfigurationDialogWin32Test, DfiAndSamlOptionsOpenForTheDfiServerTy
         EXPECT_TRUE(::IsWindowVisible(dfi)) << "a refused file keeps the dialog open";
         GuiDriver::Type(dfi, IDC_DFI_CONFIG_FILE, L"");
         GuiDriver::Click(dfi, IDC_DFI_IGNORE_NOPROMPT);
-        PostClick(dfi, IDOK);
+        GuiDriver::PostClick(dfi, IDOK);
         GuiDriver::WaitForClose(dfi);
 
-        PostClick(d, IDC_SAML_OPTIONS);
+        GuiDriver::PostClick(d, IDC_SAML_OPTIONS);
         HWND saml = GuiDriver::WaitForDialog(L"SAML Options", ::GetCurrentProcessId(), std::chrono::seconds(20));
         ASSERT_NE(saml, nullptr);
         samlFlow = Selected(saml, IDC_SAML_AUTH_FLOW);
         samlFlowEnabled = GuiDriver::Enabled(saml, IDC_SAML_AUTH_FLOW);
         GuiDriver::Click(saml, IDC_SAML_COOKIE_CACHING);
-        PostClick(saml, IDOK);
+        GuiDriver::PostClick(saml, IDOK);
         GuiDriver::WaitForClose(saml);
         GuiDriver::Click(d, IDOK);
     });
@@ -209,7 +190,7 @@ TEST_F(QuillConfigurationDialogWin32Test, OAuthOptionsForClientCredentialsFromTh
         GuiDriver::Type(d, IDC_DSN_NAME, L"Sales");
         GuiDriver::Type(d, IDC_HOSTS, L"spark.example.com");
         GuiDriver::Select(d, IDC_AUTH_MECH, L"OAuth 2.0");
-        PostClick(d, IDC_OAUTH_OPTIONS);
+        GuiDriver::PostClick(d, IDC_OAUTH_OPTIONS);
         HWND oauth = GuiDriver::WaitForDialog(L"OAuth Options", ::GetCurrentProcessId(), std::chrono::seconds(20));
         ASSERT_NE(oauth, nullptr);
         GuiDriver::Select(oauth, IDC_OAUTH_FLOW, L"Client Credentials");
@@ -217,7 +198,7 @@ TEST_F(QuillConfigurationDialogWin32Test, OAuthOptionsForClientCredentialsFromTh
         GuiDriver::Type(oauth, IDC_OAUTH_CLIENT_ID, L"app-id");
         GuiDriver::Type(oauth, IDC_OAUTH_CLIENT_SECRET, L"client-s3cret");
         GuiDriver::Type(oauth, IDC_OAUTH_TOKEN_END_POINT, L"http://login.example.com/token");
-        PostClick(oauth, IDOK);
+        GuiDriver::PostClick(oauth, IDOK);
         if (HWND box = GuiDriver::WaitForDialog(L"DSN Configuration Error", ::GetCurrentProcessId(),
                                                 std::chrono::seconds(20)))
         {
@@ -226,7 +207,7 @@ TEST_F(QuillConfigurationDialogWin32Test, OAuthOptionsForClientCredentialsFromTh
             GuiDriver::WaitForClose(box);
         }
         GuiDriver::Type(oauth, IDC_OAUTH_TOKEN_END_POINT, L"https://login.example.com/token");
-        PostClick(oauth, IDOK);
+        GuiDriver::PostClick(oauth, IDOK);
         GuiDriver::WaitForClose(oauth);
         GuiDriver::Click(d, IDOK);
     });

@@ -155,10 +155,7 @@ TEST_F(Win32DialogHostTest, PasswordOptionsThroughWindowMessages)
     EXPECT_TRUE(credentials.IsDPAPIEncryptForAllUsers());
 
     // Cancel, Escape and the close box leave the scope as it is.
-    using Closer = void (*)(HWND);
-    const Closer closers[] = {[](HWND d) { GuiDriver::Click(d, IDCANCEL); }, &GuiDriver::PressEscape,
-                              &GuiDriver::PressCloseBox};
-    for (Closer close : closers)
+    for (GuiDriver::Closer close : GuiDriver::CLOSERS)
     {
         const bool result = GuiDriver::WhileModal(
             [&] {
@@ -227,22 +224,7 @@ TEST_F(Win32DialogHostTest, ErrorBoxesAreRealMessageBoxesWithTheErrorTitle)
             wchar_t buffer[512] = {};
             ::GetWindowTextW(box, buffer, 512);
             caption = buffer;
-            // The text is the box's longest static control (the icon is one too).
-            ::EnumChildWindows(
-                box,
-                [](HWND in_child, LPARAM in_found) -> BOOL {
-                    wchar_t name[32] = {};
-                    wchar_t value[512] = {};
-                    ::GetClassNameW(in_child, name, 32);
-                    ::GetWindowTextW(in_child, value, 512);
-                    auto* found = reinterpret_cast<std::wstring*>(in_found);
-                    if (_wcsicmp(name, L"Static") == 0 && wcslen(value) > found->size())
-                    {
-                        *found = value;
-                    }
-                    return TRUE;
-                },
-                reinterpret_cast<LPARAM>(&text));
+            text = GuiDriver::Text(box, 0xFFFF);  // the text of a message box
             ::PostMessageW(box, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED), 0);
         },
         [&] {
