@@ -217,6 +217,17 @@ if [ -x "$gallery" ] && [ -x "$server" ]; then
   shot terminal-test-results
   key Enter
   key Escape
+  # The same with a wrong password: the step list ends in the failed step.
+  tmux -L "$socket" kill-server 2>/dev/null || true
+  tmux -u -L "$socket" -f /dev/null new-session -d -x 80 -y 24 -e LANG=C.UTF-8 -e TERM=screen \
+    "cd '$work' && XDG_CONFIG_HOME='$work' '$gallery' 1093 Host=127.0.0.1 Port=$port AuthMech=3 ThriftTransport=1 UID=alice PWD=wrong-pw ServiceDiscoveryMode=0; sleep 5"
+  wait_for "DSN Setup"
+  status_is "Test"
+  key Enter
+  wait_for "FAILED!"
+  shot terminal-test-results-failed
+  key Enter
+  key Escape
   kill "$server_pid" 2>/dev/null || true
 else
   echo "screenshots-terminal: build TerminalDialogGallery and tarni-test-tcli-server for the Test Results picture" >&2

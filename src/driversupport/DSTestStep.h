@@ -17,7 +17,7 @@ struct DSTestStep
         Failed,
     };
 
-    /// A stable identifier ("resolve", "connect", "tls", "discovery", "token",
+    /// A stable identifier ("settings", "resolve", "connect", "tls", "discovery", "token",
     /// "authentication", "open-session", "server-info", "close-session") for
     /// machine-readable output; the shown name comes from the catalogue.
     std::string id;

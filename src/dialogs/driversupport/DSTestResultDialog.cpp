@@ -205,6 +205,7 @@ tarni_wstring DSTestResultDialog::FormatSteps(const IConnectionTester::Outcome& 
 unsigned DSTestResultDialog::StepNameId(const std::string& in_stepId)
 {
     static const std::pair<const char*, unsigned> NAMES[] = {
+        {"settings", IDS_TEST_STEP_SETTINGS},
         {"resolve", IDS_TEST_STEP_RESOLVE},
         {"connect", IDS_TEST_STEP_CONNECT},
         {"tls", IDS_TEST_STEP_TLS},

@@ -43,8 +43,10 @@ void TEStepRecorder::Fail(const tarni_wstring& in_reason)
     }
     if (m_steps.empty() || m_steps.back().status == DSTestStep::Status::Passed)
     {
+        // Nothing begun yet: the settings themselves were refused before
+        // any connection was tried.
         DSTestStep step;
-        step.id = "test";
+        step.id = m_steps.empty() ? "settings" : "test";
         m_steps.push_back(std::move(step));
     }
     m_steps.back().status = DSTestStep::Status::Failed;

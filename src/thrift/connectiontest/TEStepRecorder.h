@@ -25,8 +25,8 @@ public:
     void Pass(const std::string& in_utf8Detail);
 
     /// Closes the open step as failed with the reason; without an open step
-    /// the reason goes to the last step, or to a step of its own ("test")
-    /// when none was begun.
+    /// the reason goes to a step of its own: "settings" when none was begun
+    /// (the settings were refused before connecting), "test" otherwise.
     void Fail(const tarni_wstring& in_reason);
 
     /// Whether a step is open.

@@ -473,7 +473,10 @@ TEST_F(ConnectionTest, SettingsThatCannotBeTestedSaySo)
     EXPECT_NE(Text(Run()).find("service discovery through AOSS"), std::string::npos);
     Set(Keys::ServiceDiscoveryMode, "0");
     Set(Keys::Host, "");
-    EXPECT_NE(Text(Run()).find("the setting Host is empty"), std::string::npos);
+    const auto outcome = Run();
+    EXPECT_NE(Text(outcome).find("the setting Host is empty"), std::string::npos);
+    // Refused before anything was tried: a step of its own names the settings.
+    EXPECT_EQ(Steps(outcome), "settings:failed");
 }
 
 TEST(ConnectionTransportParts, PlainResponseAndHttpStatusLine)

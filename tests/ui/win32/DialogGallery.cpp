@@ -4,7 +4,8 @@
 // filled from a default configuration), prints "id left top right bottom"
 // of the window once it is up, waits, and closes it with Cancel. An id with
 // a suffix ("9109-browse", "9109-export", "9109-import") presses that button
-// of the dialog and reports the chooser it opens instead.
+// of the dialog and reports the chooser it opens instead; "133-failed" shows
+// the Test Results of a refused password.
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -245,7 +246,7 @@ int main(int argc, char** argv)
                 target.SetValue(DriverSupport::Keys::ThriftTransport, u"1");
                 target.SetValue(DriverSupport::Keys::AuthMech, u"3");
                 target.SetValue(DriverSupport::Keys::UID, u"alice");
-                target.SetValue(DriverSupport::Keys::PWD, u"gallery-pw");
+                target.SetValue(DriverSupport::Keys::PWD, chooser == "failed" ? u"wrong-pw" : u"gallery-pw");
                 ThriftExtension::TEConnectionTester tester;
                 DriverSupport::DSTestResultDialog::Input input{&target, &tester};
                 DriverSupport::DSTestResultDialog::Show(nullptr, &input);
