@@ -8,9 +8,11 @@
 
 #include <windows.h>
 #include <msi.h>
+#include <msiquery.h>
 #include <shellapi.h>
 #include <shlobj.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
@@ -96,6 +98,37 @@ std::vector<std::wstring> InstalledVersions()
     return versions;
 }
 
+/// The Registry table rows of the package as "key|name|value" lines.
+std::vector<std::wstring> RegistryRows(const std::wstring& in_msi)
+{
+    std::vector<std::wstring> rows;
+    MSIHANDLE database = 0;
+    if (::MsiOpenDatabaseW(in_msi.c_str(), MSIDBOPEN_READONLY, &database) != ERROR_SUCCESS)
+    {
+        return rows;
+    }
+    MSIHANDLE view = 0;
+    if (::MsiDatabaseOpenViewW(database, L"SELECT `Key`, `Name`, `Value` FROM `Registry`", &view) == ERROR_SUCCESS &&
+        ::MsiViewExecute(view, 0) == ERROR_SUCCESS)
+    {
+        for (MSIHANDLE record = 0; ::MsiViewFetch(view, &record) == ERROR_SUCCESS; ::MsiCloseHandle(record))
+        {
+            std::wstring row;
+            for (UINT field = 1; field <= 3; ++field)
+            {
+                wchar_t text[512] = {};
+                DWORD length = 512;
+                ::MsiRecordGetStringW(record, field, text, &length);
+                row += (field > 1 ? L"|" : L"") + std::wstring(text);
+            }
+            rows.push_back(row);
+        }
+        ::MsiCloseHandle(view);
+    }
+    ::MsiCloseHandle(database);
+    return rows;
+}
+
 std::wstring Narrow(const std::string& in_text) { return std::wstring(in_text.begin(), in_text.end()); }
 
 class MsiPackageTest : public ::testing::Test
@@ -130,6 +163,8 @@ TEST_F(MsiPackageTest, InstallsSilentlyAndTheInstalledProgramSavesWithItsOwnFile
     {
         EXPECT_TRUE(fs::exists(dir / file)) << fs::path(file).string() << " is not installed";
     }
+    // Nothing imports or loads libssl: the connection test links OpenSSL statically.
+    EXPECT_FALSE(fs::exists(dir / L"libssl-3-x64.dll"));
     EXPECT_TRUE(HasStartMenuEntry()) << "no Start-menu entry";
     EXPECT_GT(fs::file_size(dir / L"cacerts.pem"), 10000u) << "the CA bundle is empty";
 
@@ -174,6 +209,12 @@ TEST_F(MsiPackageTest, UninstallRemovesTheFilesAndKeepsTheSettings)
     store->WriteValue(u"Host", u"kept.example.test");
 
     ASSERT_EQ(0u, Msiexec(L"/x \"" + g_olderMsi + L"\""));
+    // The installer's own key goes as a whole: the package asks for that
+    // explicitly (Name "-") instead of relying on the removal of emptied keys.
+    const std::wstring installerKey = L"SOFTWARE\\Tarni\\Tarni Spark ODBC Driver Configuration";
+    const auto rows = RegistryRows(g_olderMsi);
+    EXPECT_NE(std::find(rows.begin(), rows.end(), installerKey + L"|-|"), rows.end());
+    EXPECT_EQ(1u, RunShell(L"reg query \"HKLM\\" + installerKey + L"\"").exitCode);
     EXPECT_FALSE(fs::exists(InstallDir() / L"TarniSparkDriverConfig.exe"));
     EXPECT_FALSE(fs::exists(InstallDir() / L"messages\\en-US\\DSMessages.xml"));
     EXPECT_FALSE(HasStartMenuEntry());
