@@ -514,7 +514,7 @@ TEST_F(QuillConfigurationDialogTest, TestRunsWithTheDialogsValuesAndPutsTheNoPro
 TEST_F(QuillConfigurationDialogTest, TheTestReportSaysFailedWithTheError)
 {
     RecordingTester failing;
-    failing.outcome = {IConnectionTester::Outcome::Status::Failed, u"[Tarni] Connection refused.", u"03.80", u""};
+    failing.outcome = {IConnectionTester::Outcome::Status::Failed, u"[Tarni] Connection refused.", u"03.80", u"", {}};
     Run(
         IDD_DSN_SETUP,
         [&](Window& w) {
