@@ -8,6 +8,7 @@
 
 #include <windows.h>
 #include <msi.h>
+#include <msiquery.h>
 #include <shellapi.h>
 #include <shlobj.h>
 
