@@ -117,8 +117,18 @@ int ConfigTestCommand::Run(DriverSupport::DSDSNConfiguration& io_config, const s
     {
         const tarni_wstring host = io_config.GetValue(DriverSupport::Keys::Host);
         const tarni_wstring port = io_config.GetValue(DriverSupport::Keys::Port);
-        m_err << "Connecting to " << StringConverter::ToUtf8(host) << ":" << StringConverter::ToUtf8(port) << "..."
-              << std::endl;
+        // With ZooKeeper discovery the host list is the ensemble, not a server.
+        const tarni_wstring discovery = io_config.GetValue(DriverSupport::Keys::ServiceDiscoveryMode);
+        if (StringConverter::EqualsIgnoreCase(discovery, u"ZooKeeper") || discovery == u"1")
+        {
+            m_err << "Looking up the servers registered in ZooKeeper " << StringConverter::ToUtf8(host) << "..."
+                  << std::endl;
+        }
+        else
+        {
+            m_err << "Connecting to " << StringConverter::ToUtf8(host) << ":" << StringConverter::ToUtf8(port)
+                  << "..." << std::endl;
+        }
     }
     DriverSupport::DSCancellation cancellation;
     IConnectionTester::Outcome outcome;
