@@ -79,7 +79,10 @@ http_port=$port
 start_server https http --path /cliservice --cert "$dir/certs/server.pem" --key "$dir/certs/server.key"
 https_port=$port
 
-common=(Host=127.0.0.1 AuthMech=1 KrbServiceName=spark KrbHostFQDN=_HOST "KrbRealm=$realm" ConnectionTestTimeout=20)
+# Everything the sessions depend on is set here: the data sources inherit the
+# driver-wide settings, which other tests in the same Wine prefix change.
+common=(Host=127.0.0.1 AuthMech=1 KrbServiceName=spark KrbHostFQDN=_HOST "KrbRealm=$realm" ConnectionTestTimeout=20
+        SSL=0 UseProxy=0 ServiceDiscoveryMode=0)
 run_test dsn add "$sasl_dsn" "${common[@]}" "Port=$sasl_port" ThriftTransport=1
 [ $status -eq 0 ] || fail "dsn add (SASL): $out"
 run_test dsn add "$http_dsn" "${common[@]}" "Port=$http_port" ThriftTransport=2 HTTPPath=cliservice

@@ -26,8 +26,10 @@ for _ in $(seq 1 300); do [ -s "$dir/port" ] && break; sleep 0.1; done
 port=$(head -n 1 "$dir/port" | tr -d '\r')
 [ -n "$port" ] || { echo "FAIL: the test server did not start: $(cat "$dir/server.err")"; exit 1; }
 
+# SSL, proxy and discovery are set too: the data source inherits the
+# driver-wide settings, which other tests in the same Wine prefix change.
 "$wine_run" "$cli" dsn add "$dsn" Host=127.0.0.1 "Port=$port" ThriftTransport=1 AuthMech=3 UID=alice \
-  ConnectionTestTimeout=10 >"$dir/out" 2>&1 || fail "dsn add: $(cat "$dir/out")"
+  ConnectionTestTimeout=10 SSL=0 UseProxy=0 ServiceDiscoveryMode=0 >"$dir/out" 2>&1 || fail "dsn add: $(cat "$dir/out")"
 printf '%s\n' "$password" | "$wine_run" "$cli" --dsn "$dsn" set-secret PWD >"$dir/out" 2>&1 \
   || fail "set-secret: $(cat "$dir/out")"
 

@@ -27,9 +27,30 @@ protected:
     DriverConfigRunFixture()
     {
         m_options.iniPath = Support::StringConverter::FromUtf8((m_folder / "odbc.ini").string());
+        m_before = Stored();
     }
     void TearDown() override
     {
+        // Under Wine the store is the machine's driver key, which outlives the
+        // test and which the command-line tests read too: it goes back to
+        // what it held before.
+        const Snapshot after = Stored();
+        auto store = Store();
+        for (const auto& [name, value] : after)
+        {
+            if (m_before.count(name) == 0)
+            {
+                store->DeleteValue(name);
+            }
+        }
+        for (const auto& [name, value] : m_before)
+        {
+            const auto now = after.find(name);
+            if (now == after.end() || now->second != value)
+            {
+                store->WriteValue(name, value);
+            }
+        }
         // Product settings a test loaded go with it.
         DriverSupport::DSProductHelper::LoadProductSettings(
             Support::StringConverter::FromUtf8((m_folder / "absent.did").string()));
@@ -62,5 +83,6 @@ protected:
     const std::filesystem::path m_folder = m_dir.Path();
     SparkODBC::SODriverConfigRun::Options m_options;
     Platform::ScriptedDialogHost m_host;
+    Snapshot m_before;
 };
 }  // namespace Tarni::Testing
