@@ -207,27 +207,23 @@ if [ -x "$gallery" ] && [ -x "$server" ]; then
   server_pid=$!
   for _ in $(seq 1 50); do [ -s "$work/server-port" ] && break; sleep 0.1; done
   port=$(head -n 1 "$work/server-port")
-  tmux -L "$socket" kill-server 2>/dev/null || true
-  tmux -u -L "$socket" -f /dev/null new-session -d -x 80 -y 24 -e LANG=C.UTF-8 -e TERM=screen \
-    "cd '$work' && XDG_CONFIG_HOME='$work' '$gallery' 1093 Host=127.0.0.1 Port=$port AuthMech=3 ThriftTransport=1 UID=alice PWD=pw-42 ServiceDiscoveryMode=0; sleep 5"
-  wait_for "DSN Setup"
-  status_is "Test"
-  key Enter
-  wait_for "Successfully connected to data source!"
-  shot terminal-test-results
-  key Enter
-  key Escape
-  # The same with a wrong password: the step list ends in the failed step.
-  tmux -L "$socket" kill-server 2>/dev/null || true
-  tmux -u -L "$socket" -f /dev/null new-session -d -x 80 -y 24 -e LANG=C.UTF-8 -e TERM=screen \
-    "cd '$work' && XDG_CONFIG_HOME='$work' '$gallery' 1093 Host=127.0.0.1 Port=$port AuthMech=3 ThriftTransport=1 UID=alice PWD=wrong-pw ServiceDiscoveryMode=0; sleep 5"
-  wait_for "DSN Setup"
-  status_is "Test"
-  key Enter
-  wait_for "FAILED!"
-  shot terminal-test-results-failed
-  key Enter
-  key Escape
+  # Test in the gallery's DSN setup with this password; photographed once
+  # the report shows the text.
+  test_results() {  # password, text, name
+    tmux -L "$socket" kill-server 2>/dev/null || true
+    tmux -u -L "$socket" -f /dev/null new-session -d -x 80 -y 24 -e LANG=C.UTF-8 -e TERM=screen \
+      "cd '$work' && XDG_CONFIG_HOME='$work' '$gallery' 1093 Host=127.0.0.1 Port=$port AuthMech=3 ThriftTransport=1 UID=alice PWD=$1 ServiceDiscoveryMode=0; sleep 5"
+    wait_for "DSN Setup"
+    status_is "Test"
+    key Enter
+    wait_for "$2"
+    shot "$3"
+    key Enter
+    key Escape
+  }
+  test_results pw-42 "Successfully connected to data source!" terminal-test-results
+  # A wrong password: the step list ends in the failed step.
+  test_results wrong-pw "FAILED!" terminal-test-results-failed
   kill "$server_pid" 2>/dev/null || true
 else
   echo "screenshots-terminal: build TerminalDialogGallery and tarni-test-tcli-server for the Test Results picture" >&2
