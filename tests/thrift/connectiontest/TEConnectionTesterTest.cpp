@@ -23,6 +23,7 @@
 #include "thrift/connectiontest/TEHttpClientTransport.h"
 #include "thrift/connectiontest/TESaslClientTransport.h"
 #include "thrift/connectiontest/TestCertificates.h"
+#include "thrift/connectiontest/TestOutcome.h"
 #include "thrift/connectiontest/server/TestTCLIServer.h"
 
 namespace
@@ -32,6 +33,8 @@ using Tarni::DriverSupport::IConnectionTester;
 using Tarni::Support::StringConverter;
 using Tarni::Testing::RecordingLogger;
 using Tarni::Testing::TestTCLIServer;
+using Tarni::Testing::TestOutcome::Steps;
+using Tarni::Testing::TestOutcome::Text;
 using Tarni::ThriftExtension::TEConnectionTester;
 using Tarni::ThriftExtension::TEHttpClientTransport;
 using Tarni::ThriftExtension::TESaslClientTransport;
@@ -44,7 +47,6 @@ std::string Cert(const std::string& in_name)
 {
     return Tarni::Testing::TestCertificates::File(in_name);
 }
-
 
 // An HTTP proxy that opens one CONNECT tunnel and relays it, remembering the
 // request line and the proxy credentials it was given.
@@ -180,25 +182,6 @@ protected:
             EXPECT_EQ(record.text.find(PASSWORD), std::string::npos) << record.text;
         }
         return outcome;
-    }
-
-    static std::string Text(const IConnectionTester::Outcome& in_outcome)
-    {
-        return StringConverter::ToUtf8(in_outcome.errorText);
-    }
-
-    // The steps as "id:passed id:failed ...", for comparing in one line.
-    static std::string Steps(const IConnectionTester::Outcome& in_outcome)
-    {
-        std::string steps;
-        for (const Tarni::DriverSupport::DSTestStep& step : in_outcome.steps)
-        {
-            steps += (steps.empty() ? "" : " ") + step.id + ":" +
-                     (step.status == Tarni::DriverSupport::DSTestStep::Status::Passed   ? "passed"
-                      : step.status == Tarni::DriverSupport::DSTestStep::Status::Failed ? "failed"
-                                                                                         : "running");
-        }
-        return steps;
     }
 
     static TestTCLIServer::Options Server(TestTCLIServer::Mode in_mode, const std::string& in_certificate = "")

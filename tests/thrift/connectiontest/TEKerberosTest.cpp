@@ -22,6 +22,7 @@
 #include "thrift/connectiontest/TEKerberosSaslTransport.h"
 #include "thrift/connectiontest/TestKdc.h"
 #include "thrift/connectiontest/server/TestSilentKdc.h"
+#include "thrift/connectiontest/TestOutcome.h"
 #include "thrift/connectiontest/server/TestTCLIServer.h"
 
 namespace
@@ -35,6 +36,8 @@ using Tarni::Testing::RecordingLogger;
 using Tarni::Testing::TestKdc;
 using Tarni::Testing::TestSilentKdc;
 using Tarni::Testing::TestTCLIServer;
+using Tarni::Testing::TestOutcome::Steps;
+using Tarni::Testing::TestOutcome::Text;
 using Tarni::ThriftExtension::TEBoundedCall;
 using Tarni::ThriftExtension::TEConnectionTester;
 using Tarni::ThriftExtension::TEException;
@@ -91,23 +94,6 @@ protected:
     IConnectionTester::Outcome Run(DSCancellation& io_cancellation)
     {
         return TEConnectionTester().TestConnection(m_configuration, io_cancellation);
-    }
-
-    static std::string Text(const IConnectionTester::Outcome& in_outcome)
-    {
-        return StringConverter::ToUtf8(in_outcome.errorText);
-    }
-
-    // "id:passed id:failed ..." and the authentication step's detail.
-    static std::string Steps(const IConnectionTester::Outcome& in_outcome)
-    {
-        std::string steps;
-        for (const DSTestStep& step : in_outcome.steps)
-        {
-            steps += (steps.empty() ? "" : " ") + step.id + ":" +
-                     (step.status == DSTestStep::Status::Passed ? "passed" : "failed");
-        }
-        return steps;
     }
 
     static std::string Detail(const IConnectionTester::Outcome& in_outcome, const std::string& in_id)

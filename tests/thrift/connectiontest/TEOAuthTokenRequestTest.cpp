@@ -21,6 +21,7 @@
 #include "thrift/connectiontest/TEConnectionTester.h"
 #include "thrift/connectiontest/TEOAuthTokenRequest.h"
 #include "thrift/connectiontest/TestCertificates.h"
+#include "thrift/connectiontest/TestOutcome.h"
 #include "thrift/connectiontest/server/TestTCLIServer.h"
 #include "thrift/connectiontest/server/TestTokenEndPoint.h"
 
@@ -31,6 +32,8 @@ using Tarni::DriverSupport::IConnectionTester;
 using Tarni::Support::StringConverter;
 using Tarni::Testing::RecordingLogger;
 using Tarni::Testing::TestTCLIServer;
+using Tarni::Testing::TestOutcome::Steps;
+using Tarni::Testing::TestOutcome::Text;
 using Tarni::Testing::TestTokenEndPoint;
 using Tarni::ThriftExtension::TEConnectionTester;
 using Tarni::ThriftExtension::TEException;
@@ -145,17 +148,6 @@ protected:
         EXPECT_EQ(everything.find(CLIENT_SECRET), std::string::npos) << everything;
         EXPECT_EQ(everything.find(TOKEN), std::string::npos) << everything;
         return outcome;
-    }
-
-    static std::string Steps(const IConnectionTester::Outcome& in_outcome)
-    {
-        std::string steps;
-        for (const auto& step : in_outcome.steps)
-        {
-            steps += (steps.empty() ? "" : " ") + step.id + ":" +
-                     (step.status == Tarni::DriverSupport::DSTestStep::Status::Passed ? "passed" : "failed");
-        }
-        return steps;
     }
 
     RecordingLogger m_log;

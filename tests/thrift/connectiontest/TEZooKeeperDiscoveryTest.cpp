@@ -18,6 +18,7 @@
 #include "thrift/connectiontest/TEConnectionTester.h"
 #include "thrift/connectiontest/TEZooKeeperConnector.h"
 #include "thrift/connectiontest/TEZooKeeperDiscovery.h"
+#include "thrift/connectiontest/TestOutcome.h"
 #include "thrift/connectiontest/server/TestTCLIServer.h"
 #include "thrift/connectiontest/server/TestZooKeeperServer.h"
 
@@ -28,6 +29,8 @@ using Tarni::DriverSupport::IConnectionTester;
 using Tarni::Support::StringConverter;
 using Tarni::Testing::RecordingLogger;
 using Tarni::Testing::TestTCLIServer;
+using Tarni::Testing::TestOutcome::Steps;
+using Tarni::Testing::TestOutcome::Text;
 using Tarni::Testing::TestZooKeeperServer;
 using Tarni::ThriftExtension::TEConnectionTarget;
 using Tarni::ThriftExtension::TEConnectionTester;
@@ -145,22 +148,6 @@ protected:
     void Set(std::u16string_view in_key, const std::string& in_value)
     {
         m_configuration.SetValue(in_key, StringConverter::FromUtf8(in_value));
-    }
-
-    static std::string Text(const IConnectionTester::Outcome& in_outcome)
-    {
-        return StringConverter::ToUtf8(in_outcome.errorText);
-    }
-
-    static std::string Steps(const IConnectionTester::Outcome& in_outcome)
-    {
-        std::string steps;
-        for (const auto& step : in_outcome.steps)
-        {
-            steps += (steps.empty() ? "" : " ") + step.id + ":" +
-                     (step.status == Tarni::DriverSupport::DSTestStep::Status::Passed ? "passed" : "failed");
-        }
-        return steps;
     }
 
     /// in_name made unique to this run: under Wine one server outlives the
